@@ -1,0 +1,12 @@
+#ifndef FWWIDGETSGLOBAL_H
+#define FWWIDGETSGLOBAL_H
+
+#include <QtGlobal>
+
+#if defined(FWWIDGETS_BUILD_LIBRARY)
+#define FWWIDGETS_EXPORT Q_DECL_EXPORT
+#else
+#define FWWIDGETS_EXPORT Q_DECL_IMPORT
+#endif
+
+#endif // FWWIDGETSGLOBAL_H
