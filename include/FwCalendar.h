@@ -2,7 +2,10 @@
 #define FWCALENDAR_H
 
 // Everything a host needs to embed the booking calendar.
-#include "FwCalendarGlobal.h"
+#include "BkCalendarItem.h"
+#include "BkCalendarItemWidget.h"
+#include "BkCalendarModel.h"
 #include "BkCalendarRecords.h"
+#include "FwCalendarGlobal.h"
 
 #endif // FWCALENDAR_H
