@@ -1,23 +1,25 @@
 #include "BkCalendarHeader.h"
 
 #include "BkCalendarColorScheme.h"
+#include "BkCalendarColumn.h"
+#include "FwApplication.h"
+#include "FwMenu.h"
 
 #include <QApplication>
 #include <QBrush>
+#include <QCursor>
 #include <QFont>
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneMouseEvent>
+#include <QGuiApplication>
 #include <QImage>
+#include <QKeySequence>
 #include <QLinearGradient>
 #include <QLocale>
 #include <QPainter>
 #include <QPalette>
 #include <QPen>
-
-namespace {
-const int ItemKindRole = 266;
-const int KindHeader = 104;
-} // namespace
+#include <QStringList>
 
 BkCalendarHeader::BkCalendarHeader(QGraphicsItem* parent)
     : QObject()
@@ -37,11 +39,15 @@ BkCalendarHeader::BkCalendarHeader(QGraphicsItem* parent)
 {
     setFlags(QGraphicsItem::ItemIsSelectable);
     setAcceptDrops(false);
-    setData(ItemKindRole, KindHeader);
+    // The kinds of the scene's items are shared with the column, whose header this is.
+    setData(ItemKindRole, int(ItemKindHeader));
     setZValue(250.0);
 }
 
-BkCalendarHeader::~BkCalendarHeader() = default;
+BkCalendarHeader::~BkCalendarHeader()
+{
+    delete mMenu;
+}
 
 QRectF BkCalendarHeader::boundingRect() const
 {
@@ -131,25 +137,74 @@ void BkCalendarHeader::paint(QPainter* painter, const QStyleOptionGraphicsItem*,
         painter->drawImage(mGrip, QImage(QStringLiteral(":/calendar/resize.png")));
 }
 
-// The grip drag, the custom-width menu and the double click need the column's operations; until they
-// are joined up, these handlers behave as a plain graphics item does.
+// Every header offers the menu, also where there is no custom size to remove: the entry then only
+// writes the saved layout back unchanged.
 void BkCalendarHeader::contextMenuEvent(QGraphicsSceneContextMenuEvent* event)
 {
-    QGraphicsItem::contextMenuEvent(event);
+    if (mMenu)
+        mMenu->clear();
+    else
+        mMenu = new FwMenu(nullptr);
+    if (mColumn)
+        mMenu->addAction(tr("Remove custom size"), mColumn, SLOT(removeCustomSize()), QKeySequence());
+    else
+        mMenu->addAction(tr("Remove custom size"));
+    event->accept();
+    mMenu->exec(event->screenPos());
 }
 
 void BkCalendarHeader::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
+    // The grip is tested without mResizable: a day column's invisible grip also shows the hand, and
+    // as its release leaves the cursor alone, the hand stays there. That is how the header behaves.
+    if (event->button() == Qt::LeftButton && mGrip.contains(event->pos())) {
+        QGuiApplication::setOverrideCursor(QCursor(Qt::OpenHandCursor));
+        mLastPos = event->pos();
+    } else {
+        mLastPos = QPointF(0.0, 0.0);
+    }
+    // The base class takes the mouse grab, so that the moves and the release come here.
     QGraphicsItem::mousePressEvent(event);
 }
 
 void BkCalendarHeader::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
 {
-    QGraphicsItem::mouseMoveEvent(event);
+    if (!mResizable || mLastPos == QPointF(0.0, 0.0))
+        return;
+    // Only the horizontal travel counts; the column shares out the widths again at each step.
+    const QPointF pos = event->pos();
+    if (mColumn)
+        mColumn->move(pos.x() - mLastPos.x());
+    mLastPos = pos;
 }
 
 void BkCalendarHeader::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 {
+    FwApplication* app = FwApplication::app();
+    if (!app)
+        return;
+    if (event->button() == Qt::LeftButton && mLastPos != QPointF(0.0, 0.0) && mResizable) {
+        QGuiApplication::restoreOverrideCursor();
+        const QString key = QStringLiteral("CalendarLayout");
+        QStringList list = app->localValue(key, QVariant(QVariant::Int)).toStringList();
+        const double width = mRect.width();
+        const int id = resource.id.toInt();
+        bool found = false;
+        // Every entry of this user or resource is rewritten; entries of others, and entries that
+        // are not of the form type|id|width, stay as they are.
+        for (QString& entry : list) {
+            QStringList parts = entry.split(QLatin1Char('|'), Qt::KeepEmptyParts, Qt::CaseSensitive);
+            if (parts.size() != 3 || parts.at(0).toInt() != resource.type || parts.at(1).toInt() != id)
+                continue;
+            parts[2] = QString::number(width, 'g', 6);
+            entry = parts.join(QLatin1Char('|'));
+            found = true;
+        }
+        if (!found)
+            list.append(QStringLiteral("%1|%2|%3").arg(resource.type).arg(id).arg(width));
+        app->setLocalValue(key, QVariant(list));
+        mLastPos = QPointF(0.0, 0.0);
+    }
     QGraphicsItem::mouseReleaseEvent(event);
 }
 

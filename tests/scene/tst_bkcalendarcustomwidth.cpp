@@ -1,0 +1,418 @@
+// Custom widths of resource columns: the grip drag on the header, the saved "CalendarLayout"
+// list, the width coming back for a new column, and the header's menu that removes it.
+
+#include "BkBookingScene.h"
+#include "BkCalendarHeader.h"
+#include "FwTestApplication.h"
+
+#include <QGraphicsSceneContextMenuEvent>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace BkTest;
+
+namespace {
+
+const QDate Day(2024, 3, 11);
+const QString Layout = QStringLiteral("CalendarLayout");
+const BkCalendarResource Room7(QVariant(7), QStringLiteral("Room 7"), 1);
+const BkCalendarResource User7(QVariant(7), QStringLiteral("Gert"), 0);
+
+QStringList storedLayout()
+{
+    return FwApplication::app()->localValue(Layout, QVariant(QVariant::Int)).toStringList();
+}
+
+void storeLayout(const QStringList& list)
+{
+    FwApplication::app()->setLocalValue(Layout, QVariant(list));
+}
+
+// The view answers a column's widthChanged() by sharing out the widths and refreshing every
+// column, which gives the header its new width; this stands in for it.
+void followWidth(BkCalendarColumn* column)
+{
+    QObject::connect(column, qOverload<>(&BkCalendarColumn::widthChanged), column,
+                     [column]() { column->update(); });
+}
+
+// The middle of the grip of a column's header, in scene coordinates.
+QPointF gripPoint(BkCalendarColumn* column)
+{
+    return column->header()->mapToScene(column->header()->grip().center());
+}
+
+void dragGrip(BookingScene& s, BkCalendarColumn* column, double dx)
+{
+    const QPointF from = gripPoint(column);
+    s.press(from);
+    s.moveTo(from + QPointF(dx / 2, 3));
+    s.moveTo(from + QPointF(dx, -2));
+    s.release(from + QPointF(dx, -2));
+}
+
+} // namespace
+
+class tst_BkCalendarCustomWidth : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        storeLayout(QStringList());
+        QVERIFY(storedLayout().isEmpty());
+    }
+    void cleanup()
+    {
+        // A day column's grip leaves its hand cursor behind by design; no test hands it on.
+        while (QGuiApplication::overrideCursor())
+            QGuiApplication::restoreOverrideCursor();
+    }
+
+    void firstDragAppendsAndSecondRewrites();
+    void gripDragFollowsThePointerLive();
+    void pressOutsideTheGripChangesNothing();
+    void rightPressInTheGripStartsNoDrag();
+    void everyEntryOfTheResourceIsRewritten();
+    void moveIsBoundByTheMinimumWidth();
+    void dayColumnIgnoresTheLayout();
+    void dayColumnGripShowsTheHandAndKeepsIt();
+    void savedWidthComesBackForTheSameTypeAndId();
+    void firstMatchIsReadLastMatchIsRemoved();
+    void malformedEntriesAreLeftAlone();
+    void contextMenuRemovesTheCustomSize();
+    void contextMenuOnADayColumn();
+};
+
+void tst_BkCalendarCustomWidth::firstDragAppendsAndSecondRewrites()
+{
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    followWidth(column);
+    s.show();
+    QCOMPARE(column->boundingRect().width(), 200.0);
+    QVERIFY(!column->customSize());
+
+    dragGrip(s, column, 40);
+    QCOMPARE(column->widthScale(), 240.0);
+    QVERIFY(column->customSize());
+    QCOMPARE(column->header()->lastPos(), QPointF(0, 0));
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|7|240"));
+
+    dragGrip(s, column, 11);
+    QCOMPARE(column->widthScale(), 251.0);
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|7|251"));
+
+    // The width survives in a column built anew for the same resource.
+    BookingScene other;
+    BkCalendarColumn* again = other.addColumn(Day, Room7, true, 1);
+    again->initSavedValue();
+    QCOMPARE(again->widthScale(), 251.0);
+    QCOMPARE(again->widthType(), WidthFixed);
+    QVERIFY(again->customSize());
+}
+
+void tst_BkCalendarCustomWidth::gripDragFollowsThePointerLive()
+{
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    followWidth(column);
+    QSignalSpy shareOut(column, qOverload<>(&BkCalendarColumn::widthChanged));
+    s.show();
+
+    const QPointF from = gripPoint(column);
+    s.press(from);
+    QCOMPARE(QGuiApplication::overrideCursor()->shape(), Qt::OpenHandCursor);
+    s.moveTo(from + QPointF(30, 0));
+    QCOMPARE(column->widthScale(), 230.0);
+    QCOMPARE(column->header()->boundingRect().width(), 230.0);
+    // Only x counts.
+    s.moveTo(from + QPointF(10, 80));
+    QCOMPARE(column->widthScale(), 210.0);
+    QCOMPARE(shareOut.count(), 2);
+    // Nothing is written before the release.
+    QVERIFY(storedLayout().isEmpty());
+    s.release(from + QPointF(10, 80));
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|7|210"));
+}
+
+void tst_BkCalendarCustomWidth::pressOutsideTheGripChangesNothing()
+{
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    followWidth(column);
+    s.show();
+
+    const QPointF from = column->header()->mapToScene(QPointF(40, 10));
+    s.press(from);
+    QCOMPARE(column->header()->lastPos(), QPointF(0, 0));
+    s.moveTo(from + QPointF(40, 0));
+    s.release(from + QPointF(40, 0));
+    QCOMPARE(column->widthScale(), 200.0);
+    QVERIFY(!column->customSize());
+    QVERIFY(storedLayout().isEmpty());
+    QVERIFY(!QGuiApplication::overrideCursor());
+}
+
+void tst_BkCalendarCustomWidth::rightPressInTheGripStartsNoDrag()
+{
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    followWidth(column);
+    s.show();
+
+    // A left drag that ended leaves a last position of (0, 0) behind; a right press sets it so too.
+    const QPointF from = gripPoint(column);
+    s.press(from, Qt::RightButton);
+    QCOMPARE(column->header()->lastPos(), QPointF(0, 0));
+    s.mouse(QEvent::MouseMove, from + QPointF(40, 0), Qt::NoButton, Qt::RightButton);
+    s.release(from + QPointF(40, 0), Qt::RightButton);
+    QCOMPARE(column->widthScale(), 200.0);
+    QVERIFY(!column->customSize());
+    QVERIFY(storedLayout().isEmpty());
+}
+
+void tst_BkCalendarCustomWidth::everyEntryOfTheResourceIsRewritten()
+{
+    storeLayout(QStringList() << QStringLiteral("1|7|230.5") << QStringLiteral("0|7|120")
+                              << QStringLiteral("1|7|310") << QStringLiteral("1|8|150")
+                              << QStringLiteral("junk") << QStringLiteral("1|7")
+                              << QStringLiteral("1|7|5|extra"));
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    column->initSavedValue();
+    QCOMPARE(column->widthScale(), 230.5);
+    column->update();
+    followWidth(column);
+    s.show();
+
+    dragGrip(s, column, -50);
+    QCOMPARE(column->widthScale(), 180.5);
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|7|180.5") << QStringLiteral("0|7|120")
+                                           << QStringLiteral("1|7|180.5") << QStringLiteral("1|8|150")
+                                           << QStringLiteral("junk") << QStringLiteral("1|7")
+                                           << QStringLiteral("1|7|5|extra"));
+}
+
+void tst_BkCalendarCustomWidth::moveIsBoundByTheMinimumWidth()
+{
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    column->setMinWidth(120);
+    QSignalSpy shareOut(column, qOverload<>(&BkCalendarColumn::widthChanged));
+    QSignalSpy width(column, qOverload<double>(&BkCalendarColumn::widthChanged));
+
+    column->move(-1000);
+    QCOMPARE(column->widthScale(), 120.0);
+    QCOMPARE(column->boundingRect().width(), 120.0);
+    QVERIFY(column->customSize());
+    QCOMPARE(shareOut.count(), 1);
+    QCOMPARE(width.count(), 1);
+    QCOMPARE(width.at(0).at(0).toDouble(), 120.0);
+    // The type stays; the view keeps a custom column at its width.
+    QCOMPARE(column->widthType(), WidthFixed);
+    // Nothing is stored by a move alone.
+    QVERIFY(storedLayout().isEmpty());
+}
+
+void tst_BkCalendarCustomWidth::dayColumnIgnoresTheLayout()
+{
+    storeLayout(QStringList() << QStringLiteral("0|17|240.5"));
+    BookingScene s;
+    const BkCalendarResource anna(QVariant(17), QStringLiteral("Anna"), 0);
+    BkCalendarColumn* column = s.addColumn(Day, anna, false);
+    column->initSavedValue();
+    QCOMPARE(column->widthScale(), 200.0);
+    QVERIFY(!column->customSize());
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("0|17|240.5"));
+}
+
+void tst_BkCalendarCustomWidth::dayColumnGripShowsTheHandAndKeepsIt()
+{
+    BookingScene s;
+    const BkCalendarResource anna(QVariant(17), QStringLiteral("Anna"), 0);
+    BkCalendarColumn* column = s.addColumn(Day, anna, false);
+    followWidth(column);
+    s.show();
+
+    const QPointF from = gripPoint(column);
+    s.press(from);
+    QVERIFY(QGuiApplication::overrideCursor());
+    QCOMPARE(QGuiApplication::overrideCursor()->shape(), Qt::OpenHandCursor);
+    s.moveTo(from + QPointF(40, 0));
+    QCOMPARE(column->widthScale(), 200.0);
+    s.release(from + QPointF(40, 0));
+    // Without a grip of its own the release neither restores the cursor nor writes anything.
+    QVERIFY(QGuiApplication::overrideCursor());
+    QVERIFY(!column->customSize());
+    QVERIFY(storedLayout().isEmpty());
+}
+
+void tst_BkCalendarCustomWidth::savedWidthComesBackForTheSameTypeAndId()
+{
+    storeLayout(QStringList() << QStringLiteral("1|7|230.5"));
+    BookingScene s;
+    BkCalendarColumn* room = s.addColumn(Day, Room7, true, 1);
+    BkCalendarColumn* user = s.addColumn(Day, User7, true, 1);
+    room->initSavedValue();
+    user->initSavedValue();
+
+    QCOMPARE(room->widthScale(), 230.5);
+    QCOMPARE(room->widthType(), WidthFixed);
+    QVERIFY(room->customSize());
+    QCOMPARE(user->widthScale(), 200.0);
+    QVERIFY(!user->customSize());
+
+    // A custom column keeps its width when the view shares out the widths.
+    room->setWidthScale(0.5, WidthProportional, -1.0);
+    QCOMPARE(room->widthScale(), 230.5);
+    QCOMPARE(room->boundingRect().width(), 230.5);
+}
+
+void tst_BkCalendarCustomWidth::firstMatchIsReadLastMatchIsRemoved()
+{
+    storeLayout(QStringList() << QStringLiteral("1|7|210") << QStringLiteral("0|7|120")
+                              << QStringLiteral("1|7|220") << QStringLiteral("1|7|230"));
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    column->initSavedValue();
+    QCOMPARE(column->widthScale(), 210.0);
+    QVERIFY(column->customSize());
+
+    QSignalSpy shareOut(column, qOverload<>(&BkCalendarColumn::widthChanged));
+    column->removeCustomSize();
+    QVERIFY(!column->customSize());
+    QCOMPARE(shareOut.count(), 1);
+    // The width value stays until the view shares the widths out again.
+    QCOMPARE(column->widthScale(), 210.0);
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|7|210") << QStringLiteral("0|7|120")
+                                           << QStringLiteral("1|7|220"));
+
+    // Without a custom size it is still written back, unchanged where nothing matches.
+    BkCalendarColumn* other = s.addColumn(Day, BkCalendarResource(QVariant(9), QString(), 1), true, 1);
+    other->removeCustomSize();
+    QCOMPARE(storedLayout().size(), 3);
+
+    // Without its custom size the column takes the view's width again.
+    column->setWidthScale(180.0, WidthFixed, -1.0);
+    QCOMPARE(column->widthScale(), 180.0);
+}
+
+void tst_BkCalendarCustomWidth::malformedEntriesAreLeftAlone()
+{
+    // The list is kept on the machine and may have been edited: what is not a width is no width.
+    storeLayout(QStringList() << QStringLiteral("1|7|wide") << QStringLiteral("1|7|-40")
+                              << QStringLiteral("1|7") << QString() << QStringLiteral("|||"));
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    column->initSavedValue();
+    QCOMPARE(column->widthScale(), 200.0);
+    QVERIFY(!column->customSize());
+
+    storeLayout(QStringList() << QStringLiteral("1|7|wide") << QStringLiteral("1|7|260"));
+    column->initSavedValue();
+    QCOMPARE(column->widthScale(), 260.0);
+
+    // Something that is no list at all reads as an empty list and is replaced by the first drag.
+    FwApplication::app()->setLocalValue(Layout, QVariant(42));
+    BookingScene t;
+    BkCalendarColumn* fresh = t.addColumn(Day, Room7, true, 1);
+    fresh->initSavedValue();
+    QCOMPARE(fresh->widthScale(), 200.0);
+}
+
+void tst_BkCalendarCustomWidth::contextMenuRemovesTheCustomSize()
+{
+    storeLayout(QStringList() << QStringLiteral("1|7|230.5") << QStringLiteral("1|8|150"));
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    column->initSavedValue();
+    QVERIFY(column->customSize());
+    s.show();
+
+    QStringList offered;
+    bool answered = false;
+    // The menu runs its own loop; the timer picks the entry as a user would.
+    auto* timer = new QTimer(this);
+    int waited = 0;
+    timer->setInterval(20);
+    connect(timer, &QTimer::timeout, this, [&]() {
+        waited += 20;
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu) {
+            if (waited > 30000) {
+                timer->stop();
+                QApplication::closeAllWindows();
+            }
+            return;
+        }
+        timer->stop();
+        for (QAction* action : menu->actions())
+            offered << action->text();
+        answered = true;
+        if (!menu->actions().isEmpty())
+            menu->actions().first()->trigger();
+        menu->close();
+    });
+    timer->start();
+
+    QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
+    event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
+    event.setScreenPos(QPoint(300, 40));
+    event.setReason(QGraphicsSceneContextMenuEvent::Mouse);
+    event.setAccepted(false);
+    QApplication::sendEvent(&s.scene, &event);
+    delete timer;
+
+    QVERIFY(answered);
+    QVERIFY(event.isAccepted());
+    QCOMPARE(offered, QStringList() << QStringLiteral("Remove custom size"));
+    QVERIFY(column->header()->menu());
+    QVERIFY(!column->customSize());
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|8|150"));
+}
+
+void tst_BkCalendarCustomWidth::contextMenuOnADayColumn()
+{
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, BkCalendarResource(QVariant(17), QString(), 0), false);
+    s.show();
+
+    int shown = 0;
+    QStringList offered;
+    auto* timer = new QTimer(this);
+    int waited = 0;
+    timer->setInterval(20);
+    connect(timer, &QTimer::timeout, this, [&]() {
+        waited += 20;
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu) {
+            if (waited > 30000)
+                timer->stop();
+            return;
+        }
+        ++shown;
+        offered.clear();
+        for (QAction* action : menu->actions())
+            offered << action->text();
+        menu->close();
+    });
+    timer->start();
+
+    // Twice: the menu is made once and then reused with one entry.
+    for (int i = 0; i < 2; ++i) {
+        QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
+        event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
+        event.setScreenPos(QPoint(300, 40));
+        QApplication::sendEvent(&s.scene, &event);
+    }
+    delete timer;
+    QCOMPARE(shown, 2);
+    QCOMPARE(offered, QStringList() << QStringLiteral("Remove custom size"));
+}
+
+FW_TEST_MAIN(tst_BkCalendarCustomWidth)
+#include "tst_bkcalendarcustomwidth.moc"
