@@ -3,12 +3,13 @@
 
 // Small helpers for tests that paint into a QImage and look at the pixels.
 //
-// Paint with antialiasing and text antialiasing off: lines then land on whole pixels and text ink is
+// Call aliasedText() once and paint with antialiasing off: lines then land on whole pixels and text ink is
 // exactly the pen's colour, so a label can be compared pixel for pixel with a reference drawing of the
 // same text, font, rectangle and flags.
 
 #include <QColor>
 #include <QFont>
+#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QRect>
@@ -23,6 +24,15 @@ inline QImage canvas(int width, int height, const QColor& fill = QColor(255, 0, 
     QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
     image.fill(fill);
     return image;
+}
+
+// Text drawn with a font that leaves its style strategy open comes out aliased from then on. The
+// painter's hint alone does not stop glyph antialiasing, and a grey edge pixel could pass for a line.
+inline void aliasedText()
+{
+    QFont font = QGuiApplication::font();
+    font.setStyleStrategy(QFont::NoAntialias);
+    QGuiApplication::setFont(font);
 }
 
 // Sets up a painter as the tests want it: no antialiasing of lines or text.

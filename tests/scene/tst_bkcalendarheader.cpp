@@ -88,6 +88,7 @@ private slots:
 void tst_BkCalendarHeader::initTestCase()
 {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    aliasedText();
 }
 
 void tst_BkCalendarHeader::shouldStartWithItsDefaults()

@@ -62,6 +62,7 @@ private slots:
 void tst_BkCalendarInfoWidget::initTestCase()
 {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    aliasedText();
 }
 
 void tst_BkCalendarInfoWidget::shouldStartWithItsDefaults()
