@@ -111,8 +111,7 @@ void BkCalendarItem::setTime(const QTime& start, const QTime& end)
 
 // The model files bookings by date, user and resource: a change of one of them unfiles the booking
 // under the old value and files it again under the new one, with the same pointer.
-template <typename T>
-void BkCalendarItem::changeKey(T& field, T& savedField, const T& value, bool silent)
+template <typename T> void BkCalendarItem::changeKey(T& field, T& savedField, const T& value, bool silent)
 {
     if (value == field)
         return;
