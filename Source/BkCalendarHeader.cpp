@@ -3,7 +3,8 @@
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
 #include "FwApplication.h"
-#include "FwMenu.h"
+
+#include <FwMenu.h>
 
 #include <QApplication>
 #include <QBrush>
@@ -46,6 +47,7 @@ BkCalendarHeader::BkCalendarHeader(QGraphicsItem* parent)
 
 BkCalendarHeader::~BkCalendarHeader()
 {
+    // The context menu has no parent widget, so the header owns it.
     delete mMenu;
 }
 
