@@ -156,7 +156,8 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
     if (!create.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (fw_key VARCHAR(250) PRIMARY KEY, "
                                     "fw_table VARCHAR(250), fw_value TEXT, fw_type INTEGER)")
                          .arg(settingsTable()))) {
-        FwLog::log(QStringLiteral("[FwApplication:%1] %2").arg(__LINE__).arg(create.lastError().text()));
+        FwLog::log(
+            QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(create.lastError().text()));
         return false;
     }
     const QVariant text = value.isNull() ? QVariant(QVariant::String) : QVariant(textOf(value));
@@ -170,7 +171,8 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
     update.addBindValue(type);
     update.addBindValue(key);
     if (!update.exec()) {
-        FwLog::log(QStringLiteral("[FwApplication:%1] %2").arg(__LINE__).arg(update.lastError().text()));
+        FwLog::log(
+            QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(update.lastError().text()));
         return false;
     }
     if (update.numRowsAffected() > 0)
@@ -184,7 +186,8 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
     insert.addBindValue(text);
     insert.addBindValue(type);
     if (!insert.exec()) {
-        FwLog::log(QStringLiteral("[FwApplication:%1] %2").arg(__LINE__).arg(insert.lastError().text()));
+        FwLog::log(
+            QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(insert.lastError().text()));
         return false;
     }
     return true;
