@@ -4,6 +4,7 @@
 #include "FwEnums.h"
 #include "FwWidgetsGlobal.h"
 
+#include <QMetaType>
 #include <QTreeWidgetItem>
 
 class FwTreeWidget;
@@ -38,5 +39,8 @@ private:
     bool mHeading = false;
     Qt::ItemFlags mOwnFlags;
 };
+
+// Rows travel in signals (itemActivated) and in QVariant.
+Q_DECLARE_METATYPE(FwTreeWidgetItem*)
 
 #endif // FWTREEWIDGETITEM_H

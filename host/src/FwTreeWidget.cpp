@@ -9,6 +9,7 @@
 FwTreeWidget::FwTreeWidget(QWidget* parent)
     : QTreeWidget(parent)
 {
+    qRegisterMetaType<FwTreeWidgetItem*>();
     setRootIsDecorated(false);
     setAllColumnsShowFocus(true);
     setSelectionMode(QAbstractItemView::SingleSelection);
