@@ -4,10 +4,9 @@
 #include "FwTreeWidgetItem.h"
 #include "FwWidgetsGlobal.h"
 
+#include <QDropEvent>
 #include <QTreeWidget>
 #include <QVector>
-
-class QDropEvent;
 
 // A list of rows (FwTreeWidgetItem) with headers and column sizes given as comma-separated text,
 // and a simple drag and drop protocol: the owner starts drags (dragStarted) and takes drops
@@ -89,5 +88,8 @@ private:
     bool mDragPending = false;
     QPoint mPressPos;
 };
+
+// Drops travel in dataDropped; declared here once so that spies and queued connections know the type.
+Q_DECLARE_METATYPE(QDropEvent*)
 
 #endif // FWTREEWIDGET_H

@@ -10,6 +10,7 @@ FwTreeWidget::FwTreeWidget(QWidget* parent)
     : QTreeWidget(parent)
 {
     qRegisterMetaType<FwTreeWidgetItem*>();
+    qRegisterMetaType<QDropEvent*>();
     setRootIsDecorated(false);
     setAllColumnsShowFocus(true);
     setSelectionMode(QAbstractItemView::SingleSelection);
@@ -18,7 +19,9 @@ FwTreeWidget::FwTreeWidget(QWidget* parent)
     setDragEnabled(false);
     setDragDropMode(QAbstractItemView::NoDragDrop);
     connect(this, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* row, int column) {
-        if (auto fwRow = dynamic_cast<FwTreeWidgetItem*>(row))
+        // A heading is no choice: activating it does nothing.
+        auto fwRow = dynamic_cast<FwTreeWidgetItem*>(row);
+        if (fwRow && (fwRow->flags() & Qt::ItemIsSelectable))
             emit itemActivated(fwRow, column);
     });
 }

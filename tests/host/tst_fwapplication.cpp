@@ -28,6 +28,7 @@ private slots:
     void shouldKeepLocalValuesInSettings();
     void shouldGiveDefaultForUnsetLocalValue();
     void shouldShowMessagesInTheStatusBar();
+    void shouldTakeTheMessageAwayAfterItsTime();
     void shouldLogMessagesWithoutMainWindow();
 };
 
@@ -188,6 +189,16 @@ void tst_FwApplication::shouldShowMessagesInTheStatusBar()
     QCOMPARE(shown.at(1).at(1).toBool(), true);
     iApp->clearMessage();
     QCOMPARE(window.statusBar()->currentMessage(), QString());
+    QCOMPARE(window.statusBar()->styleSheet(), QString());
+}
+
+void tst_FwApplication::shouldTakeTheMessageAwayAfterItsTime()
+{
+    FwMainWindow window;
+    iApp->showSucces(QStringLiteral("Short"), 50);
+    QCOMPARE(window.statusBar()->currentMessage(), QStringLiteral("Short"));
+    QTRY_COMPARE_WITH_TIMEOUT(window.statusBar()->currentMessage(), QString(), 30000);
+    QCOMPARE(window.statusBar()->styleSheet(), QString()); // the next message starts plain
 }
 
 void tst_FwApplication::shouldLogMessagesWithoutMainWindow()
