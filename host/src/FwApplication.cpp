@@ -87,8 +87,11 @@ std::unique_ptr<QSettings> localSettings()
 
 FwApplication::FwApplication(int& argc, char** argv)
     : QApplication(argc, argv)
+    , mMessageTimer(new QTimer(this))
 {
     iApp = this;
+    mMessageTimer->setSingleShot(true);
+    connect(mMessageTimer, &QTimer::timeout, this, &FwApplication::clearMessage);
 }
 
 FwApplication::~FwApplication()
@@ -225,6 +228,13 @@ void FwApplication::showMessage(const QString& text, int milliseconds, bool crit
                                     : QStringLiteral("QStatusBar { color: #006000; }"));
         bar->showMessage(text, qMax(0, milliseconds));
     }
+    mMessage = text;
+    mMessageCritical = critical;
+    // Zero keeps the message until the next one, as QStatusBar does.
+    if (milliseconds > 0)
+        mMessageTimer->start(milliseconds);
+    else
+        mMessageTimer->stop();
     if (!window || critical)
         FwLog::log(critical ? QStringLiteral("Critical: %1").arg(text)
                             : QStringLiteral("Success: %1").arg(text));
@@ -233,8 +243,14 @@ void FwApplication::showMessage(const QString& text, int milliseconds, bool crit
 
 void FwApplication::clearMessage()
 {
+    mMessageTimer->stop();
+    const bool had = !mMessage.isEmpty();
+    mMessage.clear();
+    mMessageCritical = false;
     if (FwMainWindow* window = FwMainWindow::wnd()) {
         window->statusBar()->clearMessage();
         window->statusBar()->setStyleSheet(QString());
     }
+    if (had)
+        emit messageCleared();
 }
