@@ -164,12 +164,24 @@ void tst_BkCalendarCustomWidth::rightPressInTheGripStartsNoDrag()
     followWidth(column);
     s.show();
 
-    // A left drag that ended leaves a last position of (0, 0) behind; a right press sets it so too.
     const QPointF from = gripPoint(column);
     s.press(from, Qt::RightButton);
     QCOMPARE(column->header()->lastPos(), QPointF(0, 0));
     s.mouse(QEvent::MouseMove, from + QPointF(40, 0), Qt::NoButton, Qt::RightButton);
     s.release(from + QPointF(40, 0), Qt::RightButton);
+    QCOMPARE(column->widthScale(), 200.0);
+    QVERIFY(!column->customSize());
+    QVERIFY(storedLayout().isEmpty());
+
+    // A right press during a left drag ends the drag: the header forgets where it was.
+    s.press(from);
+    QVERIFY(column->header()->lastPos() != QPointF(0, 0));
+    s.mouse(QEvent::MouseButtonPress, from, Qt::RightButton, Qt::LeftButton | Qt::RightButton);
+    QCOMPARE(column->header()->lastPos(), QPointF(0, 0));
+    s.mouse(QEvent::MouseMove, from + QPointF(40, 0), Qt::NoButton, Qt::LeftButton | Qt::RightButton);
+    QCOMPARE(column->widthScale(), 200.0);
+    s.mouse(QEvent::MouseButtonRelease, from + QPointF(40, 0), Qt::RightButton, Qt::LeftButton);
+    s.release(from + QPointF(40, 0));
     QCOMPARE(column->widthScale(), 200.0);
     QVERIFY(!column->customSize());
     QVERIFY(storedLayout().isEmpty());
