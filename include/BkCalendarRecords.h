@@ -30,7 +30,8 @@ FWCALENDAR_EXPORT bool operator<(const BkCalendarResource& a, const BkCalendarRe
 FWCALENDAR_EXPORT bool operator==(const BkCalendarResource& a, const BkCalendarResource& b);
 FWCALENDAR_EXPORT bool operator!=(const BkCalendarResource& a, const BkCalendarResource& b);
 
-// The colour and label of one kind of duty-schedule block.
+// The colour and label of one kind of duty-schedule block. A default record (invalid colour, empty
+// label) is what a plan gets whose info id has no record.
 class FWCALENDAR_EXPORT BkCalendarPlanInfo
 {
 public:
@@ -55,5 +56,7 @@ public:
 };
 
 Q_DECLARE_METATYPE(BkCalendarResource)
+Q_DECLARE_METATYPE(BkCalendarPlanInfo)
+Q_DECLARE_METATYPE(BkCalendarPlan*)
 
 #endif // BKCALENDARRECORDS_H

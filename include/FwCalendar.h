@@ -2,7 +2,15 @@
 #define FWCALENDAR_H
 
 // Everything a host needs to embed the booking calendar.
-#include "FwCalendarGlobal.h"
+#include "BkCalendarColorScheme.h"
+#include "BkCalendarHeader.h"
+#include "BkCalendarInfoWidget.h"
+#include "BkCalendarItem.h"
+#include "BkCalendarItemWidget.h"
+#include "BkCalendarModel.h"
 #include "BkCalendarRecords.h"
+#include "BkCalendarStatusEntry.h"
+#include "BkCalendarTimeScale.h"
+#include "FwCalendarGlobal.h"
 
 #endif // FWCALENDAR_H

@@ -1,0 +1,261 @@
+#include "BkCalendarModel.h"
+
+#include <QTimer>
+
+namespace {
+
+// Bookings, plans and keys travel through queued connections and QVariant in the views and the host.
+void registerCalendarMetaTypes()
+{
+    qRegisterMetaType<BkCalendarResource>("BkCalendarResource");
+    qRegisterMetaType<BkCalendarPlanInfo>("BkCalendarPlanInfo");
+    qRegisterMetaType<BkCalendarItem*>("BkCalendarItem*");
+    qRegisterMetaType<QList<BkCalendarItem*>>("QList<BkCalendarItem*>");
+    qRegisterMetaType<BkCalendarPlan*>("BkCalendarPlan*");
+}
+
+} // namespace
+
+Q_CONSTRUCTOR_FUNCTION(registerCalendarMetaTypes)
+
+BkCalendarModel::BkCalendarModel(QObject* parent)
+    : QObject(parent)
+    , mCommitTimer(new QTimer(this))
+{
+    registerCalendarMetaTypes();
+    // One save a second after the last request collects a run of key presses or a drag into one batch.
+    mCommitTimer->setSingleShot(true);
+    mCommitTimer->setInterval(1000);
+    connect(mCommitTimer, &QTimer::timeout, this, &BkCalendarModel::commitToDatabase);
+}
+
+BkCalendarModel::~BkCalendarModel()
+{
+    // No last save: whatever is unsaved now is lost, as the host has been told.
+    delete mCommitTimer;
+    mCommitTimer = nullptr;
+    clear();
+}
+
+bool BkCalendarModel::addItem(BkCalendarItem* item)
+{
+    if (item)
+        item->setToolTipsEnabled(mToolTipsEnabled);
+    if (!item->id.isNull() && mIdHash.contains(item->id.toInt()))
+        return false;
+    if (!item->resourceId().isNull())
+        mResourceItems[item->date()][item->resourceId()].append(item);
+    if (!item->userId().isNull())
+        mUserItems[item->date()][item->userId()].append(item);
+    if (!item->id.isNull())
+        mIdHash[item->id.toInt()] = item;
+    mAllItems.append(item);
+    item->model = this;
+    emit itemAdded(item);
+    return true;
+}
+
+void BkCalendarModel::addItem(BkCalendarPlan* plan)
+{
+    mPlanStore[plan->date][plan->resource].append(plan);
+    emit planAdded(plan);
+}
+
+void BkCalendarModel::addItem(const BkCalendarPlanInfo& info)
+{
+    mPlanInfos[info.id] = info;
+}
+
+void BkCalendarModel::removeItem(BkCalendarItem* item)
+{
+    // Only look: a removal must not create empty entries for keys that were never filed.
+    auto users = mUserItems.find(item->date());
+    if (users != mUserItems.end()) {
+        auto list = users->find(item->userId());
+        if (list != users->end())
+            list->removeAll(item);
+    }
+    auto resources = mResourceItems.find(item->date());
+    if (resources != mResourceItems.end()) {
+        auto list = resources->find(item->resourceId());
+        if (list != resources->end())
+            list->removeAll(item);
+    }
+    mInvalidItems.removeAll(item);
+    mAllItems.removeAll(item);
+    item->model = nullptr;
+    if (!item->id.isNull())
+        mIdHash.remove(item->id.toInt());
+    emit itemRemoved(item);
+}
+
+void BkCalendarModel::removeItem(BkCalendarPlan* plan)
+{
+    auto plans = mPlanStore.find(plan->date);
+    if (plans == mPlanStore.end())
+        return;
+    auto list = plans->find(plan->resource);
+    if (list == plans->end())
+        return;
+    list->removeAll(plan);
+    emit planRemoved(plan);
+}
+
+void BkCalendarModel::updateItem(BkCalendarItem* item)
+{
+    if (item)
+        item->updated();
+}
+
+QList<BkCalendarItem*> BkCalendarModel::items(const QDate& date, const BkCalendarResource& resource)
+{
+    if (resource.id.isNull())
+        return {};
+    checkDate(resource, date);
+    const auto& store = resource.type == 0 ? mUserItems : mResourceItems;
+    const auto day = store.constFind(date);
+    if (day == store.constEnd())
+        return {};
+    return day->value(resource.id);
+}
+
+QList<BkCalendarPlan*> BkCalendarModel::plans(const QDate& date, const BkCalendarResource& resource)
+{
+    checkDate(resource, date);
+    const auto day = mPlanStore.constFind(date);
+    if (day == mPlanStore.constEnd())
+        return {};
+    return day->value(resource);
+}
+
+BkCalendarPlanInfo BkCalendarModel::planInfo(const QVariant& id) const
+{
+    return mPlanInfos.value(id);
+}
+
+bool BkCalendarModel::containsItem(const QVariant& id) const
+{
+    return mIdHash.contains(id.toInt());
+}
+
+BkCalendarItem* BkCalendarModel::findId(const QVariant& id) const
+{
+    if (id.isNull())
+        return nullptr;
+    return mIdHash.value(id.toInt(), nullptr);
+}
+
+bool BkCalendarModel::isInvalid(BkCalendarItem* item) const
+{
+    // The unsaved list is short and a recent change is likeliest at its end.
+    return mInvalidItems.lastIndexOf(item) >= 0;
+}
+
+bool BkCalendarModel::loaded(const BkCalendarResource& resource, const QDate& date)
+{
+    // Asking creates the key with an empty range; checkDate then widens it from there.
+    const QPair<QDate, QDate>& range = mLoadedRanges[resource];
+    return date.toJulianDay() >= range.first.toJulianDay() &&
+           date.toJulianDay() <= range.second.toJulianDay();
+}
+
+void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate& date)
+{
+    // One contiguous range per key, widened by 8 days round the date asked for; the range is stored
+    // before the request goes out, so a nested read from a slot of loadData finds it updated.
+    auto range = mLoadedRanges.find(resource);
+    if (range == mLoadedRanges.end()) {
+        const QDate first = date.addDays(-8);
+        const QDate last = date.addDays(8);
+        mLoadedRanges.insert(resource, qMakePair(first, last));
+        emit loadData(first, last, resource);
+        return;
+    }
+    const QDate oldFirst = range->first;
+    const QDate oldLast = range->second;
+    if (date.toJulianDay() > oldLast.toJulianDay()) {
+        const QDate last = date.addDays(8);
+        range->second = last;
+        emit loadData(oldLast.addDays(1), last, resource);
+    } else if (date.toJulianDay() < oldFirst.toJulianDay()) {
+        const QDate first = date.addDays(-8);
+        range->first = first;
+        emit loadData(first, oldFirst.addDays(-1), resource);
+    }
+}
+
+void BkCalendarModel::setToolTipsEnabled(bool enabled)
+{
+    for (BkCalendarItem* item : qAsConst(mIdHash))
+        item->setToolTipsEnabled(enabled);
+    mToolTipsEnabled = enabled;
+}
+
+void BkCalendarModel::clear()
+{
+    emit reset();
+    mIdHash.clear();
+    while (!mAllItems.isEmpty())
+        delete mAllItems.takeLast();
+    for (auto day = mPlanStore.begin(); day != mPlanStore.end(); ++day) {
+        for (auto list = day->begin(); list != day->end(); ++list) {
+            while (!list->isEmpty())
+                delete list->takeLast();
+        }
+    }
+    mPlanStore.clear();
+    mUserItems.clear();
+    mResourceItems.clear();
+    mAllItems.clear();
+    mLoadedRanges.clear();
+}
+
+void BkCalendarModel::commit()
+{
+    // A running timer starts over, so the second counts from the last request.
+    mCommitTimer->start();
+}
+
+void BkCalendarModel::commitToDatabase()
+{
+    if (mInvalidItems.isEmpty())
+        return;
+    // Emptied before the signal, so a change made by a slot of saveItems counts as a new one.
+    const QList<BkCalendarItem*> batch = mInvalidItems;
+    mInvalidItems.clear();
+    emit saveItems(batch);
+}
+
+void BkCalendarModel::rollback()
+{
+    if (mInvalidItems.isEmpty())
+        return;
+    // Walks by index over a list that shrinks under it: each rolled-back item leaves the list, so the
+    // next one moves to the index and is only told of a change, and the walk skips it. Hosts rely on
+    // this, so it stays.
+    int index = 0;
+    do {
+        BkCalendarItem* item = mInvalidItems.at(index);
+        item->rollback();
+        // When the list has run out below the index, the item just rolled back is the one told.
+        emit itemChanged(index < mInvalidItems.size() ? mInvalidItems.at(index) : item);
+        ++index;
+    } while (index < mInvalidItems.size());
+    mInvalidItems.clear();
+}
+
+void BkCalendarModel::itemInvalid(BkCalendarItem* item, bool addToList)
+{
+    if (addToList && !isInvalid(item))
+        mInvalidItems.append(item);
+    // A host that wrote the id after adding the booking has it found by id from now on.
+    if (!item->id.isNull())
+        mIdHash[item->id.toInt()] = item;
+    emit itemChanged(item);
+}
+
+void BkCalendarModel::itemValid(BkCalendarItem* item)
+{
+    mInvalidItems.removeAll(item);
+    emit itemChanged(item);
+}

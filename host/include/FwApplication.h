@@ -1,0 +1,61 @@
+#ifndef FWAPPLICATION_H
+#define FWAPPLICATION_H
+
+#include "FwWidgetsGlobal.h"
+
+#include <QApplication>
+#include <QHash>
+#include <QVariant>
+
+// The application object of a framework host. Besides being the QApplication it keeps the
+// application's settings, the values local to this machine and the message area.
+//
+// Settings (getValue/setValue) live in the table "fw_setting" of the default SQL connection when
+// that connection is open, else in memory. Local values live in QSettings.
+class FWWIDGETS_EXPORT FwApplication : public QApplication
+{
+    Q_OBJECT
+
+public:
+    FwApplication(int& argc, char** argv);
+    ~FwApplication() override;
+
+    // The live application object, null before it is built and after it is gone.
+    static FwApplication* app();
+
+    // The setting `key`, or `fallback` when it is unset.
+    QVariant getValue(const QString& key, const QString& fallback = QString()) const;
+    // Stores a setting. `table` names the table that owns the setting (e.g. "tbl_user"); it is
+    // kept with the value, but a key names one setting whatever the table.
+    void setValue(const QVariant& value, const QString& key, const QString& table = QString());
+
+    // A value kept on this machine, across restarts.
+    QVariant localValue(const QString& key, const QVariant& defaultValue = QVariant()) const;
+    void setLocalValue(const QString& key, const QVariant& value);
+
+    // The name of the settings table in the application's database.
+    static QString settingsTable();
+
+public slots:
+    // Messages in the status bar of the main window, or in the log when there is none.
+    void showSucces(const QString& text, int milliseconds = 5000);
+    void showCritical(const QString& text, int milliseconds = 5000);
+    void clearMessage();
+
+signals:
+    // Every message shown; `critical` tells an error from a success.
+    void messageShown(const QString& text, bool critical);
+
+private:
+    void showMessage(const QString& text, int milliseconds, bool critical);
+    bool readStoredValue(const QString& key, QVariant* value) const;
+    bool writeStoredValue(const QVariant& value, const QString& key, const QString& table);
+
+    // Settings written while no database was open.
+    QHash<QString, QVariant> mMemoryValues;
+};
+
+// The same object as FwApplication::app().
+extern FWWIDGETS_EXPORT FwApplication* iApp;
+
+#endif // FWAPPLICATION_H

@@ -1,0 +1,57 @@
+#ifndef FWMAINWINDOW_H
+#define FWMAINWINDOW_H
+
+#include "FwWidgetsGlobal.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QVariant>
+
+class FwForm;
+class FwMenuBar;
+class FwToolBar;
+class QDockWidget;
+
+// The one main window of a framework host. It shows one form at a time in its centre, runs that
+// form's set-up (menu bar, tool bar, open) and takes it down again, and knows the logged-in user.
+class FWWIDGETS_EXPORT FwMainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit FwMainWindow(QWidget* parent = nullptr, Qt::WindowFlags flags = Qt::WindowFlags());
+    ~FwMainWindow() override;
+
+    // The main window, null while there is none.
+    static FwMainWindow* wnd();
+
+    // The logged-in user.
+    QVariant userId() const { return mUserId; }
+    void setUserId(const QVariant& id);
+
+    FwMenuBar* fwMenuBar() const { return mMenuBar; }
+    // The tool bar of the form on show, null when it has none.
+    FwToolBar* formToolBar() const;
+
+    // Shows `form` in the centre: setupMenuBar, setupToolBar (when the form has a tool bar),
+    // open, opened. The window takes the form over; a form shown before is closed first.
+    bool openForm(FwForm* form);
+    // Closes the form on show; false when the form refuses. The form is deleted.
+    bool closeForm();
+    FwForm* form() const;
+
+    // The dock widgets that stand in the window at present.
+    QList<QDockWidget*> dockWidgets() const;
+
+signals:
+    void userIdChanged(const QVariant& id);
+
+private:
+    static FwMainWindow* sWindow;
+    QVariant mUserId;
+    FwMenuBar* mMenuBar = nullptr;
+    QPointer<FwToolBar> mToolBar;
+    QPointer<FwForm> mForm;
+};
+
+#endif // FWMAINWINDOW_H

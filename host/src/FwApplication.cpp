@@ -1,0 +1,237 @@
+#include "FwApplication.h"
+
+#include "FwLog.h"
+#include "FwMainWindow.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QPointer>
+#include <QSettings>
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QStatusBar>
+#include <QStringList>
+
+#include <memory>
+
+FwApplication* iApp = nullptr;
+
+namespace {
+// The default connection when it is open; settings go to memory otherwise.
+QSqlDatabase openDatabase()
+{
+    if (!QSqlDatabase::contains(QLatin1String(QSqlDatabase::defaultConnection)))
+        return QSqlDatabase();
+    QSqlDatabase db = QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false);
+    return db.isOpen() ? db : QSqlDatabase();
+}
+
+// The text form of a setting, readable and editable by anyone who looks into the table. Lists are
+// kept as a JSON array so that commas inside the entries survive.
+QString textOf(const QVariant& value)
+{
+    if (value.userType() == QMetaType::QStringList)
+        return QString::fromUtf8(
+            QJsonDocument(QJsonArray::fromStringList(value.toStringList())).toJson(QJsonDocument::Compact));
+    return value.toString();
+}
+
+// The stored text turned back into a value of the type it was written with. Rows come from outside
+// the process: a type we don't know or a text that doesn't convert gives the plain text.
+QVariant valueOf(const QVariant& text, int type)
+{
+    if (text.isNull())
+        return type == QMetaType::QString ? QVariant(QVariant::String) : QVariant();
+    const QString string = text.toString();
+    switch (type) {
+    case QMetaType::QStringList: {
+        const QJsonDocument document = QJsonDocument::fromJson(string.toUtf8());
+        if (document.isArray()) {
+            QStringList list;
+            for (const QJsonValue& entry : document.array())
+                list.append(entry.toString());
+            return list;
+        }
+        return string.isEmpty() ? QStringList() : string.split(QLatin1Char(','));
+    }
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+    case QMetaType::QDate:
+    case QMetaType::QTime:
+    case QMetaType::QDateTime: {
+        QVariant typed(string);
+        if (typed.convert(type))
+            return typed;
+        return string;
+    }
+    default:
+        return string;
+    }
+}
+
+std::unique_ptr<QSettings> localSettings()
+{
+    // QSettings refuses to write without an organisation; hosts that set none share one.
+    QString organization = QCoreApplication::organizationName();
+    if (organization.isEmpty())
+        organization = QStringLiteral("FwCalendar");
+    return std::make_unique<QSettings>(organization, QCoreApplication::applicationName());
+}
+} // namespace
+
+FwApplication::FwApplication(int& argc, char** argv)
+    : QApplication(argc, argv)
+{
+    iApp = this;
+}
+
+FwApplication::~FwApplication()
+{
+    if (iApp == this)
+        iApp = nullptr;
+}
+
+FwApplication* FwApplication::app()
+{
+    return iApp;
+}
+
+QString FwApplication::settingsTable()
+{
+    return QStringLiteral("fw_setting");
+}
+
+QVariant FwApplication::getValue(const QString& key, const QString& fallback) const
+{
+    // Values written while no database was open are the newest ones this process knows.
+    const auto memory = mMemoryValues.constFind(key);
+    if (memory != mMemoryValues.constEnd())
+        return memory.value();
+    QVariant stored;
+    if (readStoredValue(key, &stored))
+        return stored;
+    return QVariant(fallback);
+}
+
+void FwApplication::setValue(const QVariant& value, const QString& key, const QString& table)
+{
+    if (key.isEmpty())
+        return;
+    if (writeStoredValue(value, key, table))
+        mMemoryValues.remove(key);
+    else
+        mMemoryValues.insert(key, value);
+}
+
+bool FwApplication::readStoredValue(const QString& key, QVariant* value) const
+{
+    QSqlDatabase db = openDatabase();
+    if (!db.isValid())
+        return false;
+    // A missing table simply fails to prepare: then nothing is stored yet.
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    if (!query.prepare(
+            QStringLiteral("SELECT fw_value, fw_type FROM %1 WHERE fw_key = ?").arg(settingsTable())))
+        return false;
+    query.addBindValue(key);
+    if (!query.exec() || !query.next())
+        return false;
+    *value = valueOf(query.value(0), query.value(1).toInt());
+    return true;
+}
+
+bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, const QString& table)
+{
+    QSqlDatabase db = openDatabase();
+    if (!db.isValid())
+        return false;
+    QSqlQuery create(db);
+    if (!create.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (fw_key VARCHAR(250) PRIMARY KEY, "
+                                    "fw_table VARCHAR(250), fw_value TEXT, fw_type INTEGER)")
+                         .arg(settingsTable()))) {
+        FwLog::log(QStringLiteral("[FwApplication:%1] %2").arg(__LINE__).arg(create.lastError().text()));
+        return false;
+    }
+    const QVariant text = value.isNull() ? QVariant(QVariant::String) : QVariant(textOf(value));
+    const int type = value.userType();
+
+    QSqlQuery update(db);
+    update.prepare(QStringLiteral("UPDATE %1 SET fw_table = ?, fw_value = ?, fw_type = ? WHERE fw_key = ?")
+                       .arg(settingsTable()));
+    update.addBindValue(table);
+    update.addBindValue(text);
+    update.addBindValue(type);
+    update.addBindValue(key);
+    if (!update.exec()) {
+        FwLog::log(QStringLiteral("[FwApplication:%1] %2").arg(__LINE__).arg(update.lastError().text()));
+        return false;
+    }
+    if (update.numRowsAffected() > 0)
+        return true;
+
+    QSqlQuery insert(db);
+    insert.prepare(QStringLiteral("INSERT INTO %1 (fw_key, fw_table, fw_value, fw_type) VALUES (?, ?, ?, ?)")
+                       .arg(settingsTable()));
+    insert.addBindValue(key);
+    insert.addBindValue(table);
+    insert.addBindValue(text);
+    insert.addBindValue(type);
+    if (!insert.exec()) {
+        FwLog::log(QStringLiteral("[FwApplication:%1] %2").arg(__LINE__).arg(insert.lastError().text()));
+        return false;
+    }
+    return true;
+}
+
+QVariant FwApplication::localValue(const QString& key, const QVariant& defaultValue) const
+{
+    return localSettings()->value(key, defaultValue);
+}
+
+void FwApplication::setLocalValue(const QString& key, const QVariant& value)
+{
+    auto settings = localSettings();
+    settings->setValue(key, value);
+    settings->sync();
+}
+
+void FwApplication::showSucces(const QString& text, int milliseconds)
+{
+    showMessage(text, milliseconds, false);
+}
+
+void FwApplication::showCritical(const QString& text, int milliseconds)
+{
+    showMessage(text, milliseconds, true);
+}
+
+void FwApplication::showMessage(const QString& text, int milliseconds, bool critical)
+{
+    FwMainWindow* window = FwMainWindow::wnd();
+    if (window) {
+        QStatusBar* bar = window->statusBar();
+        // Errors in red, successes in green, so that the two can't be taken for each other.
+        bar->setStyleSheet(critical ? QStringLiteral("QStatusBar { color: #b00000; }")
+                                    : QStringLiteral("QStatusBar { color: #006000; }"));
+        bar->showMessage(text, qMax(0, milliseconds));
+    }
+    if (!window || critical)
+        FwLog::log(critical ? QStringLiteral("Critical: %1").arg(text)
+                            : QStringLiteral("Success: %1").arg(text));
+    emit messageShown(text, critical);
+}
+
+void FwApplication::clearMessage()
+{
+    if (FwMainWindow* window = FwMainWindow::wnd()) {
+        window->statusBar()->clearMessage();
+        window->statusBar()->setStyleSheet(QString());
+    }
+}

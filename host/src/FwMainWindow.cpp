@@ -1,0 +1,107 @@
+#include "FwMainWindow.h"
+
+#include "FwForm.h"
+#include "FwMenuBar.h"
+#include "FwToolBar.h"
+
+#include <QDockWidget>
+#include <QStatusBar>
+
+FwMainWindow* FwMainWindow::sWindow = nullptr;
+
+FwMainWindow::FwMainWindow(QWidget* parent, Qt::WindowFlags flags)
+    : QMainWindow(parent, flags)
+    , mMenuBar(new FwMenuBar(this))
+{
+    sWindow = this;
+    setMenuBar(mMenuBar);
+    statusBar();
+    // Forms bring docks of their own; let the user stack and tab them.
+    setDockOptions(QMainWindow::AnimatedDocks | QMainWindow::AllowNestedDocks |
+                   QMainWindow::AllowTabbedDocks);
+}
+
+FwMainWindow::~FwMainWindow()
+{
+    if (sWindow == this)
+        sWindow = nullptr;
+}
+
+FwMainWindow* FwMainWindow::wnd()
+{
+    return sWindow;
+}
+
+void FwMainWindow::setUserId(const QVariant& id)
+{
+    if (mUserId == id && mUserId.userType() == id.userType())
+        return;
+    mUserId = id;
+    emit userIdChanged(mUserId);
+}
+
+FwToolBar* FwMainWindow::formToolBar() const
+{
+    return mToolBar;
+}
+
+FwForm* FwMainWindow::form() const
+{
+    return mForm;
+}
+
+bool FwMainWindow::openForm(FwForm* form)
+{
+    if (!form)
+        return false;
+    if (mForm && mForm != form && !closeForm())
+        return false;
+    mForm = form;
+    form->setParent(this);
+    form->createActions();
+    form->setupMenuBar(mMenuBar);
+    if (form->hasToolBar()) {
+        mToolBar = new FwToolBar(form->title(), this);
+        mToolBar->setObjectName(QStringLiteral("formToolBar"));
+        addToolBar(mToolBar);
+        form->setupToolBar(mToolBar);
+    }
+    setCentralWidget(form);
+    setWindowTitle(form->title());
+    const bool result = form->open(nullptr);
+    form->show();
+    form->activate();
+    form->opened();
+    return result;
+}
+
+bool FwMainWindow::closeForm()
+{
+    if (!mForm)
+        return true;
+    FwForm* form = mForm;
+    if (!form->closeable())
+        return false;
+    form->deactivate();
+    form->saveSession();
+    if (!form->close())
+        return false;
+    form->closed();
+    form->finalize();
+    mMenuBar->clear();
+    delete mToolBar;
+    takeCentralWidget();
+    mForm = nullptr;
+    form->deleteLater();
+    return true;
+}
+
+QList<QDockWidget*> FwMainWindow::dockWidgets() const
+{
+    QList<QDockWidget*> docks;
+    for (QDockWidget* dock : findChildren<QDockWidget*>()) {
+        if (dockWidgetArea(dock) != Qt::NoDockWidgetArea)
+            docks.append(dock);
+    }
+    return docks;
+}

@@ -1,0 +1,127 @@
+#ifndef BKCALENDARITEM_H
+#define BKCALENDARITEM_H
+
+#include "BkCalendarRecords.h"
+#include "FwCalendarGlobal.h"
+
+#include <QColor>
+#include <QDate>
+#include <QList>
+#include <QMetaType>
+#include <QString>
+#include <QTime>
+#include <QVariant>
+
+class BkCalendarItemWidget;
+class BkCalendarModel;
+
+// One booking. The host creates it, fills it and hands it to BkCalendarModel::addItem, which owns it
+// from then on. Every setter that matters tells the model (unless the item is blocked), so the views
+// repaint and the item waits on the model's unsaved list for the next save.
+class FWCALENDAR_EXPORT BkCalendarItem
+{
+public:
+    enum ItemType
+    {
+        Meeting = 1,
+        Reserved = 6,
+        TextOnly = 7
+    };
+
+    enum ItemFlag
+    {
+        FlagPhone = 1,
+        FlagMail = 2
+    };
+
+    BkCalendarItem();
+    ~BkCalendarItem();
+
+    BkCalendarItem(const BkCalendarItem&) = delete;
+    BkCalendarItem& operator=(const BkCalendarItem&) = delete;
+
+    // Read and written directly by the host and the views.
+    QColor leftColor;
+    QColor rightColor;
+    QColor topColor;
+    QColor bottomColor;
+    QVariant id;
+    QVariant statusId;
+    QVariant workPlaceId;
+    int locked = 0;
+    BkCalendarItemWidget* widget = nullptr; // not owned; the widget sets and clears it
+    BkCalendarModel* model = nullptr;       // not owned; only the model writes it
+
+    ItemType type() const { return mType; }
+    int flags() const { return mItemFlags; }
+    QString title() const { return mTitle; }
+    QString toolTip() const { return mToolTip; }
+    QString text() const { return mText; }
+    QString plainText() const;
+    QVariant resourceId() const { return mResourceId; }
+    QVariant userId() const { return mUserId; }
+    QDate date() const { return mDate; }
+    QTime start() const { return mStart; }
+    QTime end() const { return mEnd; }
+    bool isBlocked() const { return mBlocked; }
+
+    // The values a rollback returns to.
+    QTime savedStart() const { return mSavedStart; }
+    QTime savedEnd() const { return mSavedEnd; }
+    QVariant savedResourceId() const { return mSavedResourceId; }
+    QVariant savedUserId() const { return mSavedUserId; }
+    QDate savedDate() const { return mSavedDate; }
+
+    void setLocked(int locked);
+    void setWorkPlaceId(const QVariant& id);
+    void setBlocked(bool blocked);
+
+    void setTitle(const QString& title);
+    void setText(const QString& text);
+    void setItemFlags(int flags);
+    void setType(ItemType type);
+    void setStart(const QTime& start);
+    void setEnd(const QTime& end);
+    void setToolTip(const QString& toolTip);
+    void setStatusId(const QVariant& id);
+    void setTime(const QTime& start, const QTime& end);
+
+    void setDate(const QDate& date, bool silent = false);
+    void setUserId(const QVariant& id, bool silent = false);
+    void setResourceId(const QVariant& id, bool silent = false);
+    void setKeys(const QDate& date, const BkCalendarResource& resource);
+    void setKeys(const QDate& date, const QVariant& userId, const QVariant& resourceId);
+
+    bool isLike(const BkCalendarResource& resource) const;
+
+    void invalidate(bool addToList);
+    void commit(bool immediately);
+    void rollback();
+    void updated();
+    void setToolTipsEnabled(bool enabled);
+
+private:
+    void notify();
+
+    QString mTitle;
+    QString mText;
+    QString mToolTip;
+    QDate mDate;
+    QVariant mUserId;
+    QVariant mResourceId;
+    // The host always sets the type; 0 has no special behaviour, so it is a harmless start.
+    ItemType mType = ItemType(0);
+    int mItemFlags = 0;
+    QTime mStart;
+    QTime mEnd;
+    QTime mSavedStart;
+    QTime mSavedEnd;
+    QVariant mSavedResourceId;
+    QVariant mSavedUserId;
+    QDate mSavedDate;
+    bool mBlocked = false;
+};
+
+Q_DECLARE_METATYPE(BkCalendarItem*)
+
+#endif // BKCALENDARITEM_H

@@ -1,0 +1,96 @@
+#ifndef BKCALENDARMODEL_H
+#define BKCALENDARMODEL_H
+
+#include "BkCalendarItem.h"
+#include "BkCalendarRecords.h"
+#include "FwCalendarGlobal.h"
+
+#include <QDate>
+#include <QHash>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QPair>
+#include <QVariant>
+
+class QTimer;
+
+// The one store of bookings and plans behind a calendar form. The host fills it in answer to
+// loadData and writes away what saveItems hands it; the views read it and follow its signals.
+class FWCALENDAR_EXPORT BkCalendarModel : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit BkCalendarModel(QObject* parent = nullptr);
+    ~BkCalendarModel() override;
+
+    bool addItem(BkCalendarItem* item);
+    void addItem(BkCalendarPlan* plan);
+    void addItem(const BkCalendarPlanInfo& info);
+    void removeItem(BkCalendarItem* item);
+    void removeItem(BkCalendarPlan* plan);
+    void updateItem(BkCalendarItem* item);
+
+    QList<BkCalendarItem*> items(const QDate& date, const BkCalendarResource& resource);
+    QList<BkCalendarPlan*> plans(const QDate& date, const BkCalendarResource& resource);
+    BkCalendarPlanInfo planInfo(const QVariant& id) const;
+    bool containsItem(const QVariant& id) const;
+    BkCalendarItem* findId(const QVariant& id) const;
+    bool isInvalid(BkCalendarItem* item) const;
+    bool loaded(const BkCalendarResource& resource, const QDate& date);
+    void checkDate(const BkCalendarResource& resource, const QDate& date);
+    void setToolTipsEnabled(bool enabled);
+
+    void clear();
+    void commit();
+    void rollback();
+    void itemInvalid(BkCalendarItem* item, bool addToList);
+    void itemValid(BkCalendarItem* item);
+
+    // Readers of the store.
+    const QMap<QDate, QMap<BkCalendarResource, QList<BkCalendarPlan*>>>& planStore() const
+    {
+        return mPlanStore;
+    }
+    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& userItems() const { return mUserItems; }
+    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& resourceItems() const
+    {
+        return mResourceItems;
+    }
+    const QMap<BkCalendarResource, QPair<QDate, QDate>>& loadedRanges() const { return mLoadedRanges; }
+    const QMap<QVariant, BkCalendarPlanInfo>& planInfos() const { return mPlanInfos; }
+    const QHash<int, BkCalendarItem*>& idHash() const { return mIdHash; }
+    const QList<BkCalendarItem*>& allItems() const { return mAllItems; }
+    const QList<BkCalendarItem*>& invalidItems() const { return mInvalidItems; }
+    const QTimer* commitTimer() const { return mCommitTimer; }
+    bool toolTipsEnabled() const { return mToolTipsEnabled; }
+
+public slots:
+    void commitToDatabase();
+
+signals:
+    void itemAdded(BkCalendarItem* item);
+    void itemChanged(BkCalendarItem* item);
+    void itemRemoved(BkCalendarItem* item);
+    void planAdded(BkCalendarPlan* plan);
+    void planChanged(BkCalendarPlan* plan);
+    void planRemoved(BkCalendarPlan* plan);
+    void reset();
+    void loadData(const QDate& from, const QDate& to, const BkCalendarResource& resource);
+    void saveItems(const QList<BkCalendarItem*>& items);
+
+private:
+    QMap<QDate, QMap<BkCalendarResource, QList<BkCalendarPlan*>>> mPlanStore;
+    QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>> mUserItems;
+    QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>> mResourceItems;
+    QMap<BkCalendarResource, QPair<QDate, QDate>> mLoadedRanges;
+    QMap<QVariant, BkCalendarPlanInfo> mPlanInfos;
+    QHash<int, BkCalendarItem*> mIdHash;
+    QList<BkCalendarItem*> mAllItems;
+    QList<BkCalendarItem*> mInvalidItems;
+    QTimer* mCommitTimer = nullptr;
+    bool mToolTipsEnabled = true;
+};
+
+#endif // BKCALENDARMODEL_H

@@ -1,0 +1,61 @@
+#ifndef FWTESTAPPLICATION_H
+#define FWTESTAPPLICATION_H
+
+// The main function of a test that needs the framework's application object.
+//
+// Use it instead of QTEST_MAIN:
+//
+//     class tst_Something : public QObject { Q_OBJECT ... };
+//     FW_TEST_MAIN(tst_Something)
+//     #include "tst_something.moc"
+//
+// Before the test class is built it:
+//  - turns on QStandardPaths' test mode, so local values (QSettings) go to a scratch place and
+//    never touch the user's own;
+//  - builds an FwApplication, so FwApplication::app() and iApp are set and settings can be written
+//    with FwApplication::app()->setValue(QVariant(1), "set_alwaysroundup", QString());
+//  - opens an SQLite ":memory:" database as Qt's default connection, which is what SQLDatabase()
+//    stands for; a test creates its tables with SQLQuery::exec (e.g. in initTestCase). Settings
+//    live in that database too (table "fw_setting").
+// It then runs the test with QTest::qExec and returns its result. The database is closed and the
+// connection removed before the application goes.
+
+#include <FwApplication.h>
+
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QStandardPaths>
+#include <QtTest>
+
+namespace FwTest {
+template <typename TestClass> int runTest(int argc, char** argv, const char* name)
+{
+    QStandardPaths::setTestModeEnabled(true);
+    FwApplication app(argc, argv);
+    app.setAttribute(Qt::AA_Use96Dpi, true);
+    QCoreApplication::setOrganizationName(QStringLiteral("FwCalendarTests"));
+    QCoreApplication::setApplicationName(QString::fromLatin1(name));
+    int result = 1;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
+        db.setDatabaseName(QStringLiteral(":memory:"));
+        if (!db.open()) {
+            qCritical("Cannot open the SQLite test database: %s", qPrintable(db.lastError().text()));
+            return 1;
+        }
+        TestClass test;
+        result = QTest::qExec(&test, argc, argv);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QLatin1String(QSqlDatabase::defaultConnection));
+    return result;
+}
+} // namespace FwTest
+
+#define FW_TEST_MAIN(TestClass)                                                                              \
+    int main(int argc, char** argv)                                                                          \
+    {                                                                                                        \
+        return FwTest::runTest<TestClass>(argc, argv, #TestClass);                                           \
+    }
+
+#endif // FWTESTAPPLICATION_H

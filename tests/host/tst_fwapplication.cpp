@@ -1,0 +1,202 @@
+// The application object: settings store, local values and the message area.
+#include "FwTestApplication.h"
+
+#include <FwApplication.h>
+#include <FwLog.h>
+#include <FwMainWindow.h>
+#include <SQLQuery.h>
+
+#include <QSettings>
+#include <QSignalSpy>
+#include <QStatusBar>
+
+class tst_FwApplication : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void shouldBeTheLiveApplication();
+    void shouldGiveFallbackForUnsetKey();
+    void shouldReadBackWhatWasSet_data();
+    void shouldReadBackWhatWasSet();
+    void shouldOverwriteAnEarlierValue();
+    void shouldKeepSettingsInTheDatabaseTable();
+    void shouldReadATextEditedInTheTable();
+    void shouldKeepSettingsInMemoryWithoutDatabase();
+    void shouldReadMalformedRowsAsText_data();
+    void shouldReadMalformedRowsAsText();
+    void shouldKeepLocalValuesInSettings();
+    void shouldGiveDefaultForUnsetLocalValue();
+    void shouldShowMessagesInTheStatusBar();
+    void shouldLogMessagesWithoutMainWindow();
+};
+
+void tst_FwApplication::shouldBeTheLiveApplication()
+{
+    QVERIFY(FwApplication::app());
+    QCOMPARE(FwApplication::app(), iApp);
+    QCOMPARE(static_cast<QCoreApplication*>(iApp), QCoreApplication::instance());
+}
+
+void tst_FwApplication::shouldGiveFallbackForUnsetKey()
+{
+    QCOMPARE(iApp->getValue(QStringLiteral("set_neverset"), QString()).toString(), QString());
+    QCOMPARE(iApp->getValue(QStringLiteral("set_neverset"), QString()).toInt(), 0);
+    QCOMPARE(iApp->getValue(QStringLiteral("gst_neverset"), QStringLiteral("0")).toString(),
+             QStringLiteral("0"));
+    QCOMPARE(iApp->getValue(QStringLiteral("gst_neverset"), QStringLiteral("7")).toInt(), 7);
+}
+
+void tst_FwApplication::shouldReadBackWhatWasSet_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("table");
+    QTest::newRow("int, no table") << QVariant(1) << QString();
+    QTest::newRow("string, user table") << QVariant(QStringLiteral("3,7,12")) << QStringLiteral("tbl_user");
+    QTest::newRow("string list") << QVariant(QStringList{QStringLiteral("a"), QStringLiteral("b,c")})
+                                 << QStringLiteral("tbl_user");
+    QTest::newRow("bool") << QVariant(true) << QStringLiteral("tbl_global");
+    QTest::newRow("empty string") << QVariant(QString()) << QString();
+}
+
+void tst_FwApplication::shouldReadBackWhatWasSet()
+{
+    QFETCH(QVariant, value);
+    QFETCH(QString, table);
+    const QString key = QStringLiteral("set_roundtrip_%1").arg(QTest::currentDataTag());
+    iApp->setValue(value, key, table);
+    const QVariant read = iApp->getValue(key, QStringLiteral("fallback"));
+    QCOMPARE(read, value);
+    QCOMPARE(read.toString(), value.toString());
+}
+
+void tst_FwApplication::shouldOverwriteAnEarlierValue()
+{
+    iApp->setValue(1, QStringLiteral("set_alwaysroundup"), QString());
+    QCOMPARE(iApp->getValue(QStringLiteral("set_alwaysroundup"), QString()).toInt(), 1);
+    iApp->setValue(0, QStringLiteral("set_alwaysroundup"), QStringLiteral("tbl_user"));
+    QCOMPARE(iApp->getValue(QStringLiteral("set_alwaysroundup"), QString()).toInt(), 0);
+}
+
+void tst_FwApplication::shouldKeepSettingsInTheDatabaseTable()
+{
+    iApp->setValue(QStringLiteral("4,5"), QStringLiteral("usr_bookinggrouplist"), QStringLiteral("tbl_user"));
+    SQLQuery query;
+    QVERIFY(
+        query.prepare(QStringLiteral("SELECT fw_table, fw_value FROM fw_setting WHERE fw_key = ?"), true));
+    query.addBindValue(QStringLiteral("usr_bookinggrouplist"));
+    QVERIFY(query.exec());
+    QVERIFY(query.next());
+    QCOMPARE(query.value(0).toString(), QStringLiteral("tbl_user"));
+    QCOMPARE(query.value(1).toString(), QStringLiteral("4,5"));
+}
+
+void tst_FwApplication::shouldReadATextEditedInTheTable()
+{
+    iApp->setValue(1, QStringLiteral("set_calshowtime"), QString());
+    SQLQuery query;
+    QVERIFY(
+        query.exec(QStringLiteral("UPDATE fw_setting SET fw_value = '0' WHERE fw_key = 'set_calshowtime'")));
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calshowtime"), QString()).toInt(), 0);
+}
+
+void tst_FwApplication::shouldKeepSettingsInMemoryWithoutDatabase()
+{
+    QSqlDatabase db = QSqlDatabase::database();
+    iApp->setValue(5, QStringLiteral("set_before"), QString());
+    db.close();
+    QVERIFY(!db.isOpen());
+    iApp->setValue(2, QStringLiteral("set_calexpandsize"), QString());
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calexpandsize"), QString()).toInt(), 2);
+    QCOMPARE(iApp->getValue(QStringLiteral("set_before"), QStringLiteral("none")).toString(),
+             QStringLiteral("none"));
+    QVERIFY(db.open()); // a fresh, empty :memory: database
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calexpandsize"), QString()).toInt(), 2);
+    // Written to the database again once it is there, and still read back.
+    iApp->setValue(3, QStringLiteral("set_calexpandsize"), QString());
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calexpandsize"), QString()).toInt(), 3);
+    SQLQuery query(QStringLiteral("SELECT fw_value FROM fw_setting WHERE fw_key = 'set_calexpandsize'"));
+    QVERIFY(query.next());
+    QCOMPARE(query.value(0).toInt(), 3);
+}
+
+void tst_FwApplication::shouldReadMalformedRowsAsText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QVariant>("type");
+    QTest::addColumn<QVariant>("expected");
+    QTest::newRow("list not in JSON") << QStringLiteral("a,b") << QVariant(int(QMetaType::QStringList))
+                                      << QVariant(QStringList{QStringLiteral("a"), QStringLiteral("b")});
+    QTest::newRow("broken JSON list") << QStringLiteral("[\"a\",") << QVariant(int(QMetaType::QStringList))
+                                      << QVariant(QStringList{QStringLiteral("[\"a\""), QString()});
+    QTest::newRow("int that isn't one")
+        << QStringLiteral("abc") << QVariant(int(QMetaType::Int)) << QVariant(QStringLiteral("abc"));
+    QTest::newRow("unknown type") << QStringLiteral("1") << QVariant(987654) << QVariant(QStringLiteral("1"));
+    QTest::newRow("type not a number")
+        << QStringLiteral("1") << QVariant(QStringLiteral("x")) << QVariant(QStringLiteral("1"));
+    QTest::newRow("no type") << QStringLiteral("2") << QVariant() << QVariant(QStringLiteral("2"));
+}
+
+void tst_FwApplication::shouldReadMalformedRowsAsText()
+{
+    QFETCH(QString, text);
+    QFETCH(QVariant, type);
+    QFETCH(QVariant, expected);
+    iApp->setValue(QStringList{QStringLiteral("x")}, QStringLiteral("set_damaged"), QString());
+    SQLQuery query;
+    QVERIFY(query.prepare(QStringLiteral("UPDATE fw_setting SET fw_value = ?, fw_type = ? WHERE fw_key = ?"),
+                          true));
+    query.addBindValue(text);
+    query.addBindValue(type);
+    query.addBindValue(QStringLiteral("set_damaged"));
+    QVERIFY(query.exec());
+    QCOMPARE(query.numRowsAffected(), 1);
+    QCOMPARE(iApp->getValue(QStringLiteral("set_damaged"), QString()), expected);
+}
+
+void tst_FwApplication::shouldKeepLocalValuesInSettings()
+{
+    const QStringList layout{QStringLiteral("1:120"), QStringLiteral("3:80")};
+    iApp->setLocalValue(QStringLiteral("CalendarLayout"), layout);
+    QCOMPARE(iApp->localValue(QStringLiteral("CalendarLayout"), QVariant(QVariant::Int)).toStringList(),
+             layout);
+    // A new QSettings of the application, as after a restart, sees the same value.
+    QSettings settings(QCoreApplication::organizationName(), QCoreApplication::applicationName());
+    QCOMPARE(settings.value(QStringLiteral("CalendarLayout")).toStringList(), layout);
+    // The test mode keeps the value away from the user's own settings.
+    QVERIFY(settings.fileName().contains(QStringLiteral("qttest")));
+}
+
+void tst_FwApplication::shouldGiveDefaultForUnsetLocalValue()
+{
+    const QVariant value = iApp->localValue(QStringLiteral("NeverStored"), QVariant(QVariant::Int));
+    QCOMPARE(value.userType(), int(QMetaType::Int));
+    QVERIFY(value.toStringList().isEmpty());
+}
+
+void tst_FwApplication::shouldShowMessagesInTheStatusBar()
+{
+    FwMainWindow window;
+    QCOMPARE(FwMainWindow::wnd(), &window);
+    QSignalSpy shown(iApp, &FwApplication::messageShown);
+    iApp->showSucces(QStringLiteral("Saved"), 5000);
+    QCOMPARE(window.statusBar()->currentMessage(), QStringLiteral("Saved"));
+    QTest::ignoreMessage(QtInfoMsg, "Critical: Broken");
+    iApp->showCritical(QStringLiteral("Broken"), 5000);
+    QCOMPARE(window.statusBar()->currentMessage(), QStringLiteral("Broken"));
+    QCOMPARE(shown.count(), 2);
+    QCOMPARE(shown.at(1).at(1).toBool(), true);
+    iApp->clearMessage();
+    QCOMPARE(window.statusBar()->currentMessage(), QString());
+}
+
+void tst_FwApplication::shouldLogMessagesWithoutMainWindow()
+{
+    QVERIFY(!FwMainWindow::wnd());
+    QTest::ignoreMessage(QtInfoMsg, "Success: Done");
+    iApp->showSucces(QStringLiteral("Done"), 5000);
+    iApp->clearMessage(); // nothing to clear, and no crash
+}
+
+FW_TEST_MAIN(tst_FwApplication)
+#include "tst_fwapplication.moc"
