@@ -588,13 +588,9 @@ void BkCalendarColumn::move(double delta)
 }
 
 // The saved layout of custom widths is not read or written yet; a column keeps the view's width.
-void BkCalendarColumn::initSavedValue()
-{
-}
+void BkCalendarColumn::initSavedValue() {}
 
-void BkCalendarColumn::removeCustomSize()
-{
-}
+void BkCalendarColumn::removeCustomSize() {}
 
 void BkCalendarColumn::setHeaderText(const QString& text)
 {
@@ -720,7 +716,8 @@ void BkCalendarColumn::paintPlan(QPainter* painter)
         if (plan->infoId == -1) {
             painter->setBrush(QBrush(Qt::green));
         } else {
-            const BkCalendarPlanInfo info = mModel ? mModel->planInfo(QVariant(plan->infoId)) : BkCalendarPlanInfo();
+            const BkCalendarPlanInfo info =
+                mModel ? mModel->planInfo(QVariant(plan->infoId)) : BkCalendarPlanInfo();
             painter->setBrush(QBrush(info.color));
             label = info.label;
         }

@@ -56,8 +56,8 @@ BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeS
 {
     if (mItem)
         mItem->widget = this;
-    setFlags(QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable | QGraphicsItem::ItemIsFocusable
-             | QGraphicsItem::ItemSendsGeometryChanges | QGraphicsItem::ItemSendsScenePositionChanges);
+    setFlags(QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable | QGraphicsItem::ItemIsFocusable |
+             QGraphicsItem::ItemSendsGeometryChanges | QGraphicsItem::ItemSendsScenePositionChanges);
     setAcceptHoverEvents(true);
     setData(ItemKindRole, int(ItemKindItemWidget));
     // Tool tips are decided once per box; the booking switches them later.
@@ -214,9 +214,9 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
             const double m = double(mScale->minuteHeight());
             const double t = double(mScale->topMargin());
             const double snapped = std::trunc((proposed.y() - t) / m) * m + t;
-            const float expected = float(minutesBetween(mScale->start(), mItem->start()))
-                                       * float(mScale->minuteHeight())
-                                   + float(mScale->topMargin());
+            const float expected =
+                float(minutesBetween(mScale->start(), mItem->start())) * float(mScale->minuteHeight()) +
+                float(mScale->topMargin());
             if ((snapped - double(expected)) / m == 0.0)
                 return QPointF(proposed.x(), snapped);
             return pos();
@@ -399,7 +399,8 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
         painter->translate(textX, 0);
     else
         painter->translate(textX, r.y());
-    painter->setClipRect(QRect(QPoint(0, 0), QPoint(int(r.width()) - 1, int(r.height()) - 1)), Qt::ReplaceClip);
+    painter->setClipRect(QRect(QPoint(0, 0), QPoint(int(r.width()) - 1, int(r.height()) - 1)),
+                         Qt::ReplaceClip);
     document.setDefaultFont(font);
     document.setDocumentMargin(0);
     document.setRichText(mItem->text());
