@@ -10,7 +10,6 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-
 namespace {
 
 void sendMouse(QGraphicsView& view, QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,

@@ -8,8 +8,8 @@
 #include <QGraphicsRectItem>
 #include <QPainter>
 #include <QPointer>
-#include <QStyleOptionGraphicsItem>
 #include <QSignalSpy>
+#include <QStyleOptionGraphicsItem>
 #include <QtTest>
 
 class tst_BkCalendarItemWidget : public QObject
@@ -55,9 +55,9 @@ void tst_BkCalendarItemWidget::shouldBuildWithFlagsKindAndDefaults()
     BkCalendarItemWidget widget(&item, fixture.scale, nullptr);
     QCOMPARE(widget.type(), 65537);
     QCOMPARE(int(BkCalendarItemWidget::Type), int(QGraphicsItem::UserType) + 1);
-    QCOMPARE(widget.flags(),
-             QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable | QGraphicsItem::ItemIsFocusable
-                 | QGraphicsItem::ItemSendsGeometryChanges | QGraphicsItem::ItemSendsScenePositionChanges);
+    QCOMPARE(widget.flags(), QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable |
+                                 QGraphicsItem::ItemIsFocusable | QGraphicsItem::ItemSendsGeometryChanges |
+                                 QGraphicsItem::ItemSendsScenePositionChanges);
     QVERIFY(widget.acceptHoverEvents());
     QCOMPARE(widget.data(ItemKindRole).toInt(), 101);
     QCOMPARE(widget.data(0).toInt(), 1);
@@ -168,8 +168,8 @@ void tst_BkCalendarItemWidget::shouldFillWithStatusColourWhenSchemeKnowsIt()
     QCOMPARE(selected.stops().at(0), QGradientStop(0.0, fixture.scheme.selectedHeader));
     QCOMPARE(selected.stops().at(1), QGradientStop(1.0, fixture.scheme.selectedHeaderGradient));
     // The outline keeps to the booking's own colour.
-    QCOMPARE(item->widget->border(), QColor::fromHsv(QColor(200, 100, 50).hsvHue(),
-                                                     QColor(200, 100, 50).hsvSaturation(), 190, 255));
+    QCOMPARE(item->widget->border(),
+             QColor::fromHsv(QColor(200, 100, 50).hsvHue(), QColor(200, 100, 50).hsvSaturation(), 190, 255));
 }
 
 void tst_BkCalendarItemWidget::shouldKeepOwnColoursForUnknownOrNullStatus_data()
