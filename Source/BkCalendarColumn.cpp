@@ -185,6 +185,8 @@ BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
     , mResourceMode(0)
     , mIndex(0)
     , mCustomSize(false)
+    , mLayoutRun(nullptr)
+    , mHoldLayout(false)
 {
     setFlags(QGraphicsItem::ItemIsSelectable);
     setAcceptDrops(true);
@@ -362,19 +364,24 @@ BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)
 
 void BkCalendarColumn::updateChildren()
 {
-    // Widgets are never reused: the old ones go, and every shown booking gets a new one.
+    // Widgets are never reused: the old ones go, and every shown booking gets a new one. Each removal
+    // and insertion would lay the column out; the layout is a function of the boxes' tops and heights
+    // alone and every box here is new, so one run over the finished set gives the same boxes.
+    mHoldLayout = true;
     const QList<QGraphicsItem*> children = childItems();
     for (int i = children.size() - 1; i >= 0; --i) {
         if (children.at(i)->data(ItemKindRole).toInt() == ItemKindItemWidget)
             delete children.at(i);
     }
-    if (!mModel || !showsSomething())
-        return;
-    const QList<BkCalendarItem*> items = mModel->items(mDate, mResource);
-    for (BkCalendarItem* item : items) {
-        if (mScale && mScale->inside(item->start(), item->end()))
-            makeWidget(item);
+    if (mModel && showsSomething()) {
+        const QList<BkCalendarItem*> items = mModel->items(mDate, mResource);
+        for (BkCalendarItem* item : items) {
+            if (mScale && mScale->inside(item->start(), item->end()))
+                makeWidget(item);
+        }
     }
+    mHoldLayout = false;
+    checkCollisions();
 }
 
 void BkCalendarColumn::itemAdded(BkCalendarItem* item)
@@ -494,47 +501,81 @@ void BkCalendarColumn::selectPreviousItem()
     widget->ensureVisible(QRectF(), 50, 50);
 }
 
+// The state of one layout run, shared with the runs nested in it.
+struct BkCalendarColumn::LayoutRun
+{
+    QVector<BkCalendarItemWidget*> widgets;
+    QVector<LayoutBox> boxes;
+    QVector<int> indexes;
+    QVector<int> counts;
+    // The box whose setColInfo is under way; only its move can start a nested run.
+    int current = -1;
+
+    void compute()
+    {
+        boxes.resize(widgets.size());
+        for (int i = 0; i < widgets.size(); ++i)
+            boxes[i] = layoutBoxOf(widgets.at(i));
+        computeLayout(boxes, indexes, counts);
+    }
+
+    // The answers stay those of a fresh search as long as no top, height or id has changed. Every box
+    // that a run sets is checked at once, so at any moment only the box being set can differ.
+    void refresh(int index)
+    {
+        if (index >= 0 && !sameBox(boxes.at(index), layoutBoxOf(widgets.at(index))))
+            compute();
+    }
+};
+
 void BkCalendarColumn::checkCollisions()
 {
+    if (mHoldLayout)
+        return;
+
+    // setColInfo moves a box sideways, and the move enters this function again. Within a run nothing
+    // adds, removes, hides or re-tags a box, so a nested run works on the same boxes in the same order
+    // as the run around it; it shares that run's answers and only checks them against the boxes'
+    // present tops and heights. Each run still visits every box and sets every box that differs, so
+    // the boxes change in the same order as with a fresh search per run.
+    if (mLayoutRun) {
+        mLayoutRun->refresh(mLayoutRun->current);
+        settleLayout(*mLayoutRun);
+        return;
+    }
+
+    LayoutRun run;
     const QList<QGraphicsItem*> children = childItems();
-    QVector<BkCalendarItemWidget*> widgets;
-    widgets.reserve(children.size());
+    run.widgets.reserve(children.size());
     for (QGraphicsItem* child : children) {
         // A widget under construction has no kind yet and is passed over; it joins at its first move.
         if (!child->isVisible() || child->data(ItemKindRole).toInt() != ItemKindItemWidget)
             continue;
         auto* widget = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
         if (widget && !widget->deleting())
-            widgets.append(widget);
+            run.widgets.append(widget);
     }
-    if (widgets.isEmpty())
+    if (run.widgets.isEmpty())
         return;
+    run.compute();
+    mLayoutRun = &run;
+    settleLayout(run);
+    mLayoutRun = nullptr;
+}
 
-    // The boxes are laid out from their present tops and heights. setColInfo moves a box sideways,
-    // and the move enters this function again; that nested run settles every box, and as long as no
-    // top or height has changed, the answers computed here stay those of a fresh search.
-    QVector<LayoutBox> boxes(widgets.size());
-    for (int i = 0; i < widgets.size(); ++i)
-        boxes[i] = layoutBoxOf(widgets.at(i));
-    QVector<int> indexes;
-    QVector<int> counts;
-    computeLayout(boxes, indexes, counts);
-
-    for (int i = 0; i < widgets.size(); ++i) {
-        BkCalendarItemWidget* widget = widgets.at(i);
-        if (widget->colIndex() == indexes.at(i) && widget->colCount() == counts.at(i))
+void BkCalendarColumn::settleLayout(LayoutRun& run)
+{
+    for (int i = 0; i < run.widgets.size(); ++i) {
+        BkCalendarItemWidget* widget = run.widgets.at(i);
+        if (widget->colIndex() == run.indexes.at(i) && widget->colCount() == run.counts.at(i))
             continue; // setColInfo would return at once
-        widget->setColInfo(indexes.at(i), counts.at(i));
-        // Setting a box recomputes its geometry from its booking; if that moved any top or height,
-        // the rest of this run works from the boxes as they now stand.
-        bool changed = false;
-        for (int j = 0; j < widgets.size() && !changed; ++j)
-            changed = !sameBox(boxes.at(j), layoutBoxOf(widgets.at(j)));
-        if (changed) {
-            for (int j = 0; j < widgets.size(); ++j)
-                boxes[j] = layoutBoxOf(widgets.at(j));
-            computeLayout(boxes, indexes, counts);
-        }
+        const int outer = run.current;
+        run.current = i;
+        widget->setColInfo(run.indexes.at(i), run.counts.at(i));
+        // Setting a box recomputes its geometry from its booking; it may have changed its height
+        // without moving sideways, which starts no nested run.
+        run.refresh(i);
+        run.current = outer;
     }
 }
 

@@ -151,6 +151,8 @@ protected:
     void dragLeaveEvent(QGraphicsSceneDragDropEvent* event) override;
 
 private:
+    struct LayoutRun;
+    void settleLayout(LayoutRun& run);
     bool showsSomething() const;
     void placeGrip();
     BkCalendarItemWidget* makeWidget(BkCalendarItem* item);
@@ -170,6 +172,10 @@ private:
     int mResourceMode;
     int mIndex;
     bool mCustomSize;
+    // The layout run in progress, shared with the runs nested in it; null between runs.
+    LayoutRun* mLayoutRun;
+    // True while updateChildren replaces the boxes; it lays them out once at the end.
+    bool mHoldLayout;
 };
 
 #endif // BKCALENDARCOLUMN_H
