@@ -2,6 +2,8 @@
 
 #include "BkCalendarColorScheme.h"
 
+#include <FwMenu.h>
+
 #include <QApplication>
 #include <QBrush>
 #include <QFont>
@@ -41,7 +43,11 @@ BkCalendarHeader::BkCalendarHeader(QGraphicsItem* parent)
     setZValue(250.0);
 }
 
-BkCalendarHeader::~BkCalendarHeader() = default;
+BkCalendarHeader::~BkCalendarHeader()
+{
+    // The context menu has no parent widget, so the header owns it.
+    delete mMenu;
+}
 
 QRectF BkCalendarHeader::boundingRect() const
 {

@@ -109,71 +109,43 @@ void BkCalendarItem::setTime(const QTime& start, const QTime& end)
     notify();
 }
 
-void BkCalendarItem::setDate(const QDate& date, bool silent)
+// The model files bookings by date, user and resource: a change of one of them unfiles the booking
+// under the old value and files it again under the new one, with the same pointer.
+template <typename T> void BkCalendarItem::changeKey(T& field, T& savedField, const T& value, bool silent)
 {
-    if (date == mDate)
+    if (value == field)
         return;
     if (!model) {
-        mSavedDate = date;
-        mDate = date;
+        savedField = value;
+        field = value;
     } else {
-        // The model files bookings by date: unfile under the old value, file again under the new.
         BkCalendarModel* owner = model;
         if (!owner->isInvalid(this))
-            mSavedDate = date;
+            savedField = value;
         if (silent)
             owner->blockSignals(true);
         owner->removeItem(this);
-        mDate = date;
+        field = value;
         owner->addItem(this);
         if (silent)
             owner->blockSignals(false);
     }
     notify();
+}
+
+void BkCalendarItem::setDate(const QDate& date, bool silent)
+{
+    changeKey(mDate, mSavedDate, date, silent);
 }
 
 void BkCalendarItem::setUserId(const QVariant& id, bool silent)
 {
-    if (id == mUserId)
-        return;
-    if (!model) {
-        mSavedUserId = id;
-        mUserId = id;
-    } else {
-        BkCalendarModel* owner = model;
-        if (!owner->isInvalid(this))
-            mSavedUserId = id;
-        if (silent)
-            owner->blockSignals(true);
-        owner->removeItem(this);
-        mUserId = id;
-        owner->addItem(this);
-        if (silent)
-            owner->blockSignals(false);
-    }
-    notify();
+    changeKey(mUserId, mSavedUserId, id, silent);
 }
 
 void BkCalendarItem::setResourceId(const QVariant& id, bool silent)
 {
-    if (id == mResourceId)
-        return;
-    if (!model) {
-        mSavedResourceId = id;
-        mResourceId = id;
-    } else {
-        BkCalendarModel* owner = model;
-        if (!owner->isInvalid(this))
-            mSavedResourceId = id;
-        if (silent)
-            owner->blockSignals(true);
-        owner->removeItem(this);
-        mResourceId = id;
-        owner->addItem(this);
-        if (silent)
-            owner->blockSignals(false);
-    }
-    notify();
+    changeKey(mResourceId, mSavedResourceId, id, silent);
 }
 
 void BkCalendarItem::setKeys(const QDate& date, const BkCalendarResource& resource)

@@ -1,5 +1,7 @@
 #include "BkCalendarTimeScale.h"
 
+#include <FwApplication.h>
+
 #include <QApplication>
 #include <QBrush>
 #include <QFont>
@@ -161,8 +163,10 @@ void BkCalendarTimeScale::paint(QPainter* painter, const QStyleOptionGraphicsIte
     // A start off the step grid puts the second tick on the next multiple of the step.
     const int first = mTimeSteps - rest;
 
+    // Read at each paint, so a changed setting shows at the next repaint; only 1 means anything.
     int roundUp = 0;
-    // FIXME host framework: read "set_alwaysroundup" once FwApplication is there.
+    if (FwApplication::app())
+        roundUp = FwApplication::app()->getValue(QStringLiteral("set_alwaysroundup"), QString()).toInt();
 
     const QPalette palette = QApplication::palette();
     const QColor background = palette.brush(QPalette::Current, QPalette::Window).color();

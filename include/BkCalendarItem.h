@@ -102,6 +102,7 @@ public:
 
 private:
     void notify();
+    template <typename T> void changeKey(T& field, T& savedField, const T& value, bool silent);
 
     QString mTitle;
     QString mText;

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QHash>
+#include <QTimer>
 #include <QVariant>
 
 // The application object of a framework host. Besides being the QApplication it keeps the
@@ -36,6 +37,10 @@ public:
     // The name of the settings table in the application's database.
     static QString settingsTable();
 
+    // The message on show, empty when there is none (cleared, or its time is up).
+    QString currentMessage() const { return mMessage; }
+    bool currentMessageCritical() const { return mMessageCritical; }
+
 public slots:
     // Messages in the status bar of the main window, or in the log when there is none.
     void showSucces(const QString& text, int milliseconds = 5000);
@@ -45,6 +50,7 @@ public slots:
 signals:
     // Every message shown; `critical` tells an error from a success.
     void messageShown(const QString& text, bool critical);
+    void messageCleared();
 
 private:
     void showMessage(const QString& text, int milliseconds, bool critical);
@@ -53,6 +59,9 @@ private:
 
     // Settings written while no database was open.
     QHash<QString, QVariant> mMemoryValues;
+    QString mMessage;
+    bool mMessageCritical = false;
+    QTimer* mMessageTimer = nullptr;
 };
 
 // The same object as FwApplication::app().

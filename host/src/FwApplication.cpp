@@ -87,8 +87,11 @@ std::unique_ptr<QSettings> localSettings()
 
 FwApplication::FwApplication(int& argc, char** argv)
     : QApplication(argc, argv)
+    , mMessageTimer(new QTimer(this))
 {
     iApp = this;
+    mMessageTimer->setSingleShot(true);
+    connect(mMessageTimer, &QTimer::timeout, this, &FwApplication::clearMessage);
 }
 
 FwApplication::~FwApplication()
@@ -156,7 +159,8 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
     if (!create.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (fw_key VARCHAR(250) PRIMARY KEY, "
                                     "fw_table VARCHAR(250), fw_value TEXT, fw_type INTEGER)")
                          .arg(settingsTable()))) {
-        FwLog::log(QStringLiteral("[FwApplication:%1] %2").arg(__LINE__).arg(create.lastError().text()));
+        FwLog::log(
+            QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(create.lastError().text()));
         return false;
     }
     const QVariant text = value.isNull() ? QVariant(QVariant::String) : QVariant(textOf(value));
@@ -170,7 +174,8 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
     update.addBindValue(type);
     update.addBindValue(key);
     if (!update.exec()) {
-        FwLog::log(QStringLiteral("[FwApplication:%1] %2").arg(__LINE__).arg(update.lastError().text()));
+        FwLog::log(
+            QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(update.lastError().text()));
         return false;
     }
     if (update.numRowsAffected() > 0)
@@ -184,7 +189,8 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
     insert.addBindValue(text);
     insert.addBindValue(type);
     if (!insert.exec()) {
-        FwLog::log(QStringLiteral("[FwApplication:%1] %2").arg(__LINE__).arg(insert.lastError().text()));
+        FwLog::log(
+            QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(insert.lastError().text()));
         return false;
     }
     return true;
@@ -222,6 +228,13 @@ void FwApplication::showMessage(const QString& text, int milliseconds, bool crit
                                     : QStringLiteral("QStatusBar { color: #006000; }"));
         bar->showMessage(text, qMax(0, milliseconds));
     }
+    mMessage = text;
+    mMessageCritical = critical;
+    // Zero keeps the message until the next one, as QStatusBar does.
+    if (milliseconds > 0)
+        mMessageTimer->start(milliseconds);
+    else
+        mMessageTimer->stop();
     if (!window || critical)
         FwLog::log(critical ? QStringLiteral("Critical: %1").arg(text)
                             : QStringLiteral("Success: %1").arg(text));
@@ -230,8 +243,14 @@ void FwApplication::showMessage(const QString& text, int milliseconds, bool crit
 
 void FwApplication::clearMessage()
 {
+    mMessageTimer->stop();
+    const bool had = !mMessage.isEmpty();
+    mMessage.clear();
+    mMessageCritical = false;
     if (FwMainWindow* window = FwMainWindow::wnd()) {
         window->statusBar()->clearMessage();
         window->statusBar()->setStyleSheet(QString());
     }
+    if (had)
+        emit messageCleared();
 }

@@ -15,7 +15,11 @@ FwMainWindow::FwMainWindow(QWidget* parent, Qt::WindowFlags flags)
 {
     sWindow = this;
     setMenuBar(mMenuBar);
-    statusBar();
+    // A message's colour goes with the message.
+    connect(statusBar(), &QStatusBar::messageChanged, this, [this](const QString& message) {
+        if (message.isEmpty())
+            statusBar()->setStyleSheet(QString());
+    });
     // Forms bring docks of their own; let the user stack and tab them.
     setDockOptions(QMainWindow::AnimatedDocks | QMainWindow::AllowNestedDocks |
                    QMainWindow::AllowTabbedDocks);

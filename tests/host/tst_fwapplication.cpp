@@ -28,6 +28,7 @@ private slots:
     void shouldKeepLocalValuesInSettings();
     void shouldGiveDefaultForUnsetLocalValue();
     void shouldShowMessagesInTheStatusBar();
+    void shouldTakeTheMessageAwayAfterItsTime();
     void shouldLogMessagesWithoutMainWindow();
 };
 
@@ -184,18 +185,38 @@ void tst_FwApplication::shouldShowMessagesInTheStatusBar()
     QTest::ignoreMessage(QtInfoMsg, "Critical: Broken");
     iApp->showCritical(QStringLiteral("Broken"), 5000);
     QCOMPARE(window.statusBar()->currentMessage(), QStringLiteral("Broken"));
+    QCOMPARE(iApp->currentMessage(), QStringLiteral("Broken"));
+    QVERIFY(iApp->currentMessageCritical());
     QCOMPARE(shown.count(), 2);
     QCOMPARE(shown.at(1).at(1).toBool(), true);
     iApp->clearMessage();
     QCOMPARE(window.statusBar()->currentMessage(), QString());
+    QCOMPARE(window.statusBar()->styleSheet(), QString());
+}
+
+void tst_FwApplication::shouldTakeTheMessageAwayAfterItsTime()
+{
+    FwMainWindow window;
+    iApp->showSucces(QStringLiteral("Short"), 50);
+    QCOMPARE(window.statusBar()->currentMessage(), QStringLiteral("Short"));
+    QTRY_COMPARE_WITH_TIMEOUT(window.statusBar()->currentMessage(), QString(), 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(iApp->currentMessage(), QString(), 30000);
+    QCOMPARE(window.statusBar()->styleSheet(), QString()); // the next message starts plain
 }
 
 void tst_FwApplication::shouldLogMessagesWithoutMainWindow()
 {
     QVERIFY(!FwMainWindow::wnd());
+    QSignalSpy cleared(iApp, &FwApplication::messageCleared);
     QTest::ignoreMessage(QtInfoMsg, "Success: Done");
     iApp->showSucces(QStringLiteral("Done"), 5000);
-    iApp->clearMessage(); // nothing to clear, and no crash
+    QCOMPARE(iApp->currentMessage(), QStringLiteral("Done"));
+    QVERIFY(!iApp->currentMessageCritical());
+    iApp->clearMessage();
+    QCOMPARE(iApp->currentMessage(), QString());
+    QCOMPARE(cleared.count(), 1);
+    iApp->clearMessage(); // nothing left to clear
+    QCOMPARE(cleared.count(), 1);
 }
 
 FW_TEST_MAIN(tst_FwApplication)

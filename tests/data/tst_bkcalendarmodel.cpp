@@ -1,0 +1,637 @@
+#include "BkCalendarItem.h"
+#include "BkCalendarItemWidget.h"
+#include "BkCalendarModel.h"
+
+#include <QLocale>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+const QDate Day(2024, 3, 11);
+
+BkCalendarItem* makeItem(const QVariant& id, const QVariant& userId, const QVariant& resourceId,
+                         const QDate& date = Day)
+{
+    auto* item = new BkCalendarItem;
+    item->id = id;
+    item->setDate(date);
+    item->setUserId(userId);
+    item->setResourceId(resourceId);
+    item->setTime(QTime(8, 0), QTime(9, 0));
+    return item;
+}
+
+BkCalendarPlan* makePlan(const QDate& date, const BkCalendarResource& resource, int infoId = -1)
+{
+    auto* plan = new BkCalendarPlan;
+    plan->date = date;
+    plan->start = QTime(8, 0);
+    plan->end = QTime(12, 0);
+    plan->bookable = true;
+    plan->infoId = infoId;
+    plan->resource = resource;
+    return plan;
+}
+
+QPair<QDate, QDate> request(const QSignalSpy& spy, int index)
+{
+    return qMakePair(spy.at(index).at(0).toDate(), spy.at(index).at(1).toDate());
+}
+
+} // namespace
+
+class TestBkCalendarModel : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void shouldStartEmptyWithToolTipsOn();
+    void shouldRequestEightDaysRoundFirstRead();
+    void shouldWidenLoadedRangeOnDemand_data();
+    void shouldWidenLoadedRangeOnDemand();
+    void shouldStoreRangeBeforeRequesting();
+    void shouldKeepOneRangePerKey();
+    void shouldNotRequestForKeyWithoutId();
+    void shouldRequestPlansForKeyWithoutId();
+    void shouldReadResourceItemsForAnyTypeButUser();
+    void shouldFindItemUnderUserAndResource();
+    void shouldKeepFilingOrder();
+    void shouldRejectDuplicateIdAfterSettingToolTip();
+    void shouldFileItemWithoutIdTwiceWhenAddedTwice();
+    void shouldKeepItemWithoutKeysInAllItemsOnly();
+    void shouldFindById();
+    void shouldAskForKeyZeroWhenContainsGetsNullId();
+    void shouldUnfileOnRemoveAndLeaveEmptyLists();
+    void shouldNotCreateEntriesOnRemove();
+    void shouldAddAndFindPlans();
+    void shouldNotSignalRemovalOfUnknownPlan();
+    void shouldRemoveKnownPlan();
+    void shouldReplacePlanInfoWithSameId();
+    void shouldKeepPlanInfosOnClear();
+    void shouldRequestAnewAfterClear();
+    void shouldResetBeforeRemovingOnClear();
+    void shouldLeaveUnsavedListAndTimerAloneOnClear();
+    void shouldCreateEmptyRangeWhenAskedWhetherLoaded();
+    void shouldTellOnlyItemsWithIdOfToolTipSetting();
+    void shouldRelayUpdateWithoutSignal();
+    void shouldResetWhenDestroyed();
+    void shouldDeliverLoadRequestsThroughQueuedConnections();
+};
+
+void TestBkCalendarModel::initTestCase()
+{
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+void TestBkCalendarModel::shouldStartEmptyWithToolTipsOn()
+{
+    BkCalendarModel model;
+    QVERIFY(model.toolTipsEnabled());
+    QVERIFY(model.allItems().isEmpty());
+    QVERIFY(model.invalidItems().isEmpty());
+    QVERIFY(model.loadedRanges().isEmpty());
+    QVERIFY(model.planStore().isEmpty());
+    QVERIFY(model.idHash().isEmpty());
+    QVERIFY(model.commitTimer());
+    QCOMPARE(model.commitTimer()->parent(), &model);
+}
+
+void TestBkCalendarModel::shouldRequestEightDaysRoundFirstRead()
+{
+    BkCalendarModel model;
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+    const BkCalendarResource ann(3, QStringLiteral("Ann"));
+
+    QVERIFY(model.items(Day, ann).isEmpty());
+
+    QCOMPARE(loads.count(), 1);
+    QCOMPARE(request(loads, 0), qMakePair(Day.addDays(-8), Day.addDays(8)));
+    const BkCalendarResource asked = loads.at(0).at(2).value<BkCalendarResource>();
+    QCOMPARE(asked, ann);
+    QCOMPARE(asked.name, QStringLiteral("Ann"));
+    QCOMPARE(model.loadedRanges().value(ann), qMakePair(Day.addDays(-8), Day.addDays(8)));
+    QVERIFY(model.loaded(ann, Day.addDays(8)));
+    QVERIFY(model.loaded(ann, Day.addDays(-8)));
+    QVERIFY(!model.loaded(ann, Day.addDays(9)));
+}
+
+void TestBkCalendarModel::shouldWidenLoadedRangeOnDemand_data()
+{
+    QTest::addColumn<int>("offset");
+    QTest::addColumn<bool>("requested");
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("to");
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("last");
+
+    QTest::newRow("D+8 is loaded") << 8 << false << 0 << 0 << -8 << 8;
+    QTest::newRow("D-8 is loaded") << -8 << false << 0 << 0 << -8 << 8;
+    QTest::newRow("D is loaded") << 0 << false << 0 << 0 << -8 << 8;
+    QTest::newRow("D+9 asks for D+9 to D+17") << 9 << true << 9 << 17 << -8 << 17;
+    QTest::newRow("D-9 asks for D-17 to D-9") << -9 << true << -17 << -9 << -17 << 8;
+    QTest::newRow("a year on asks for all between") << 365 << true << 9 << 373 << -8 << 373;
+    QTest::newRow("a year back asks for all between") << -365 << true << -373 << -9 << -373 << 8;
+}
+
+void TestBkCalendarModel::shouldWidenLoadedRangeOnDemand()
+{
+    QFETCH(int, offset);
+    QFETCH(bool, requested);
+    QFETCH(int, from);
+    QFETCH(int, to);
+    QFETCH(int, first);
+    QFETCH(int, last);
+
+    BkCalendarModel model;
+    const BkCalendarResource room(8, QStringLiteral("Bay 1"), 1);
+    model.items(Day, room);
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+
+    model.items(Day.addDays(offset), room);
+
+    QCOMPARE(loads.count(), requested ? 1 : 0);
+    if (requested)
+        QCOMPARE(request(loads, 0), qMakePair(Day.addDays(from), Day.addDays(to)));
+    QCOMPARE(model.loadedRanges().value(room), qMakePair(Day.addDays(first), Day.addDays(last)));
+
+    // Plans share the range.
+    model.plans(Day.addDays(offset), room);
+    QCOMPARE(loads.count(), requested ? 1 : 0);
+}
+
+void TestBkCalendarModel::shouldStoreRangeBeforeRequesting()
+{
+    BkCalendarModel model;
+    const BkCalendarResource ann(3);
+    int nested = 0;
+    QList<QPair<QDate, QDate>> seen;
+    connect(&model, &BkCalendarModel::loadData, this,
+            [&](const QDate&, const QDate&, const BkCalendarResource& resource) {
+                seen.append(model.loadedRanges().value(resource));
+                // A view reading from a slot must not ask again.
+                ++nested;
+                model.items(Day.addDays(2), resource);
+                model.plans(Day.addDays(-2), resource);
+            });
+
+    model.items(Day, ann);
+    QCOMPARE(nested, 1);
+    QCOMPARE(seen, (QList<QPair<QDate, QDate>>{qMakePair(Day.addDays(-8), Day.addDays(8))}));
+
+    model.items(Day.addDays(20), ann);
+    QCOMPARE(nested, 2);
+    QCOMPARE(seen.last(), qMakePair(Day.addDays(-8), Day.addDays(28)));
+}
+
+void TestBkCalendarModel::shouldKeepOneRangePerKey()
+{
+    BkCalendarModel model;
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+    model.items(Day, BkCalendarResource(7, QString(), 0));
+    model.items(Day, BkCalendarResource(7, QString(), 1));
+    model.items(Day, BkCalendarResource(8, QString(), 0));
+    QCOMPARE(loads.count(), 3);
+    QCOMPARE(model.loadedRanges().size(), 3);
+}
+
+void TestBkCalendarModel::shouldNotRequestForKeyWithoutId()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, QVariant());
+    QVERIFY(model.addItem(item));
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+
+    QVERIFY(model.items(Day, BkCalendarResource()).isEmpty());
+    QVERIFY(model.items(Day, BkCalendarResource(QVariant(), QStringLiteral("Nobody"), 1)).isEmpty());
+    QCOMPARE(loads.count(), 0);
+    QVERIFY(model.loadedRanges().isEmpty());
+}
+
+void TestBkCalendarModel::shouldRequestPlansForKeyWithoutId()
+{
+    BkCalendarModel model;
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+    QVERIFY(model.plans(Day, BkCalendarResource()).isEmpty());
+    QCOMPARE(loads.count(), 1);
+    QCOMPARE(request(loads, 0), qMakePair(Day.addDays(-8), Day.addDays(8)));
+    QVERIFY(loads.at(0).at(2).value<BkCalendarResource>().id.isNull());
+}
+
+void TestBkCalendarModel::shouldReadResourceItemsForAnyTypeButUser()
+{
+    BkCalendarModel model;
+    auto* booking = makeItem(1, 5, 8);
+    auto* userOnly = makeItem(2, 8, QVariant());
+    QVERIFY(model.addItem(booking));
+    QVERIFY(model.addItem(userOnly));
+
+    QCOMPARE(model.items(Day, BkCalendarResource(8, QString(), 1)), QList<BkCalendarItem*>{booking});
+    QCOMPARE(model.items(Day, BkCalendarResource(8, QString(), 2)), QList<BkCalendarItem*>{booking});
+    QCOMPARE(model.items(Day, BkCalendarResource(8, QString(), 0)), QList<BkCalendarItem*>{userOnly});
+    // The store hands it out for type 2, but matching refuses it.
+    QVERIFY(!booking->isLike(BkCalendarResource(8, QString(), 2)));
+    QVERIFY(booking->isLike(BkCalendarResource(8, QString(), 1)));
+}
+
+void TestBkCalendarModel::shouldFindItemUnderUserAndResource()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, 8);
+    QVERIFY(model.addItem(item));
+    const BkCalendarResource user(3);
+    const BkCalendarResource resource(8, QString(), 1);
+    QCOMPARE(model.items(Day, user), QList<BkCalendarItem*>{item});
+    QCOMPARE(model.items(Day, resource), QList<BkCalendarItem*>{item});
+
+    model.removeItem(item);
+    QVERIFY(model.items(Day, user).isEmpty());
+    QVERIFY(model.items(Day, resource).isEmpty());
+    delete item;
+}
+
+void TestBkCalendarModel::shouldKeepFilingOrder()
+{
+    BkCalendarModel model;
+    auto* late = makeItem(1, 3, QVariant());
+    late->setTime(QTime(15, 0), QTime(16, 0));
+    auto* early = makeItem(2, 3, QVariant());
+    QSignalSpy added(&model, &BkCalendarModel::itemAdded);
+    QVERIFY(model.addItem(late));
+    QVERIFY(model.addItem(early));
+    QCOMPARE(added.count(), 2);
+    QCOMPARE(added.at(0).at(0).value<BkCalendarItem*>(), late);
+    QCOMPARE(late->model, &model);
+    QCOMPARE(model.items(Day, BkCalendarResource(3)), (QList<BkCalendarItem*>{late, early}));
+    QCOMPARE(model.allItems(), (QList<BkCalendarItem*>{late, early}));
+}
+
+void TestBkCalendarModel::shouldRejectDuplicateIdAfterSettingToolTip()
+{
+    BkCalendarModel model;
+    auto* first = makeItem(5, 3, QVariant());
+    QVERIFY(model.addItem(first));
+
+    BkCalendarItem duplicate;
+    duplicate.id = QStringLiteral("5");
+    duplicate.setDate(Day);
+    duplicate.setUserId(4);
+    duplicate.setToolTip(QStringLiteral("Second"));
+    BkCalendarItemWidget widget(&duplicate);
+    QVERIFY(widget.toolTip().isEmpty());
+    QSignalSpy added(&model, &BkCalendarModel::itemAdded);
+
+    QVERIFY(!model.addItem(&duplicate));
+
+    QCOMPARE(widget.toolTip(), QStringLiteral("Second"));
+    QCOMPARE(added.count(), 0);
+    QVERIFY(!duplicate.model);
+    QCOMPARE(model.allItems(), QList<BkCalendarItem*>{first});
+    QCOMPARE(model.findId(5), first);
+    QVERIFY(model.items(Day, BkCalendarResource(4)).isEmpty());
+    QVERIFY(!model.userItems().value(Day).contains(QVariant(4)));
+}
+
+void TestBkCalendarModel::shouldFileItemWithoutIdTwiceWhenAddedTwice()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(QVariant(), 3, QVariant());
+    QVERIFY(model.addItem(item));
+    QVERIFY(model.addItem(item));
+    QCOMPARE(model.allItems().size(), 2);
+    QCOMPARE(model.items(Day, BkCalendarResource(3)).size(), 2);
+    QVERIFY(model.idHash().isEmpty());
+    model.removeItem(item);
+    QVERIFY(model.allItems().isEmpty());
+    delete item;
+}
+
+void TestBkCalendarModel::shouldKeepItemWithoutKeysInAllItemsOnly()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, QVariant(), QVariant());
+    QVERIFY(model.addItem(item));
+    QCOMPARE(model.allItems(), QList<BkCalendarItem*>{item});
+    QVERIFY(model.userItems().isEmpty());
+    QVERIFY(model.resourceItems().isEmpty());
+    QCOMPARE(model.findId(1), item);
+}
+
+void TestBkCalendarModel::shouldFindById()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(0, 3, QVariant());
+    QVERIFY(model.addItem(item));
+    QCOMPARE(model.findId(0), item);
+    QCOMPARE(model.findId(QStringLiteral("0")), item);
+    QVERIFY(!model.findId(QVariant()));
+    QVERIFY(!model.findId(1));
+}
+
+void TestBkCalendarModel::shouldAskForKeyZeroWhenContainsGetsNullId()
+{
+    BkCalendarModel model;
+    QVERIFY(!model.containsItem(QVariant()));
+    auto* item = makeItem(0, 3, QVariant());
+    QVERIFY(model.addItem(item));
+    QVERIFY(model.containsItem(QVariant()));
+    QVERIFY(model.containsItem(0));
+    QVERIFY(!model.containsItem(1));
+}
+
+void TestBkCalendarModel::shouldUnfileOnRemoveAndLeaveEmptyLists()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, 8);
+    QVERIFY(model.addItem(item));
+    item->setTitle(QStringLiteral("Unsaved"));
+    QVERIFY(model.isInvalid(item));
+    QSignalSpy removed(&model, &BkCalendarModel::itemRemoved);
+
+    model.removeItem(item);
+
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.at(0).at(0).value<BkCalendarItem*>(), item);
+    QVERIFY(!item->model);
+    QVERIFY(!model.isInvalid(item));
+    QVERIFY(model.allItems().isEmpty());
+    QVERIFY(!model.findId(1));
+    QVERIFY(model.userItems().value(Day).contains(QVariant(3)));
+    QVERIFY(model.userItems().value(Day).value(QVariant(3)).isEmpty());
+    QVERIFY(model.resourceItems().value(Day).value(QVariant(8)).isEmpty());
+    delete item;
+}
+
+void TestBkCalendarModel::shouldNotCreateEntriesOnRemove()
+{
+    BkCalendarModel model;
+    BkCalendarItem stranger;
+    stranger.setDate(Day);
+    stranger.setUserId(3);
+    stranger.setResourceId(8);
+    model.removeItem(&stranger);
+    QVERIFY(model.userItems().isEmpty());
+    QVERIFY(model.resourceItems().isEmpty());
+}
+
+void TestBkCalendarModel::shouldAddAndFindPlans()
+{
+    BkCalendarModel model;
+    const BkCalendarResource ann(3, QStringLiteral("Ann"));
+    auto* morning = makePlan(Day, ann);
+    auto* again = makePlan(Day, BkCalendarResource(3, QStringLiteral("Other name")));
+    QSignalSpy added(&model, &BkCalendarModel::planAdded);
+
+    model.addItem(morning);
+    model.addItem(again);
+
+    QCOMPARE(added.count(), 2);
+    QCOMPARE(added.at(0).at(0).value<BkCalendarPlan*>(), morning);
+    QCOMPARE(model.plans(Day, ann), (QList<BkCalendarPlan*>{morning, again}));
+    QVERIFY(model.plans(Day, BkCalendarResource(3, QString(), 1)).isEmpty());
+    QVERIFY(model.plans(Day.addDays(1), ann).isEmpty());
+}
+
+void TestBkCalendarModel::shouldNotSignalRemovalOfUnknownPlan()
+{
+    BkCalendarModel model;
+    auto* filed = makePlan(Day, BkCalendarResource(3));
+    model.addItem(filed);
+    QSignalSpy removed(&model, &BkCalendarModel::planRemoved);
+
+    BkCalendarPlan otherDay = *filed;
+    otherDay.date = Day.addDays(1);
+    model.removeItem(&otherDay);
+    BkCalendarPlan otherKey = *filed;
+    otherKey.resource = BkCalendarResource(3, QString(), 1);
+    model.removeItem(&otherKey);
+
+    QCOMPARE(removed.count(), 0);
+    QCOMPARE(model.plans(Day, BkCalendarResource(3)), QList<BkCalendarPlan*>{filed});
+    QVERIFY(!model.planStore().contains(Day.addDays(1)));
+}
+
+void TestBkCalendarModel::shouldRemoveKnownPlan()
+{
+    BkCalendarModel model;
+    auto* plan = makePlan(Day, BkCalendarResource(3));
+    model.addItem(plan);
+    QSignalSpy removed(&model, &BkCalendarModel::planRemoved);
+
+    model.removeItem(plan);
+
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.at(0).at(0).value<BkCalendarPlan*>(), plan);
+    QVERIFY(model.plans(Day, BkCalendarResource(3)).isEmpty());
+    QVERIFY(model.planStore().value(Day).contains(BkCalendarResource(3)));
+    delete plan;
+}
+
+void TestBkCalendarModel::shouldReplacePlanInfoWithSameId()
+{
+    BkCalendarModel model;
+    BkCalendarPlanInfo info;
+    info.id = 2;
+    info.color = Qt::red;
+    info.label = QStringLiteral("Closed");
+    model.addItem(info);
+    info.color = Qt::blue;
+    info.label = QStringLiteral("Break");
+    info.description = QStringLiteral("Lunch");
+    model.addItem(info);
+
+    QCOMPARE(model.planInfos().size(), 1);
+    const BkCalendarPlanInfo found = model.planInfo(2);
+    QCOMPARE(found.id, QVariant(2));
+    QCOMPARE(found.color, QColor(Qt::blue));
+    QCOMPARE(found.label, QStringLiteral("Break"));
+    QCOMPARE(found.description, QStringLiteral("Lunch"));
+}
+
+void TestBkCalendarModel::shouldKeepPlanInfosOnClear()
+{
+    BkCalendarModel model;
+    BkCalendarPlanInfo info;
+    info.id = 2;
+    info.color = Qt::red;
+    info.label = QStringLiteral("Closed");
+    model.addItem(info);
+    model.addItem(makePlan(Day, BkCalendarResource(3), 2));
+    QVERIFY(model.addItem(makeItem(1, 3, 8)));
+
+    model.clear();
+
+    QVERIFY(model.allItems().isEmpty());
+    QVERIFY(model.planStore().isEmpty());
+    QVERIFY(model.userItems().isEmpty());
+    QVERIFY(model.resourceItems().isEmpty());
+    QVERIFY(model.idHash().isEmpty());
+    QCOMPARE(model.planInfos().size(), 1);
+    QCOMPARE(model.planInfo(2).label, QStringLiteral("Closed"));
+    QCOMPARE(model.planInfo(2).color, QColor(Qt::red));
+}
+
+void TestBkCalendarModel::shouldRequestAnewAfterClear()
+{
+    BkCalendarModel model;
+    const BkCalendarResource ann(3);
+    model.items(Day, ann);
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+    model.items(Day, ann);
+    QCOMPARE(loads.count(), 0);
+
+    model.clear();
+    QVERIFY(model.loadedRanges().isEmpty());
+    model.items(Day, ann);
+
+    QCOMPARE(loads.count(), 1);
+    QCOMPARE(request(loads, 0), qMakePair(Day.addDays(-8), Day.addDays(8)));
+}
+
+void TestBkCalendarModel::shouldResetBeforeRemovingOnClear()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, QVariant());
+    QVERIFY(model.addItem(item));
+    BkCalendarItemWidget widget(item);
+    model.addItem(makePlan(Day, BkCalendarResource(3)));
+    int itemsAtReset = -1;
+    connect(&model, &BkCalendarModel::reset, this, [&] { itemsAtReset = model.allItems().size(); });
+    QSignalSpy removed(&model, &BkCalendarModel::itemRemoved);
+    QSignalSpy plansRemoved(&model, &BkCalendarModel::planRemoved);
+
+    model.clear();
+
+    QCOMPARE(itemsAtReset, 1);
+    QVERIFY(model.allItems().isEmpty());
+    QVERIFY(!model.findId(1));
+    QCOMPARE(removed.count(), 0);
+    QCOMPARE(plansRemoved.count(), 0);
+}
+
+void TestBkCalendarModel::shouldLeaveUnsavedListAndTimerAloneOnClear()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, QVariant());
+    QVERIFY(model.addItem(item));
+    item->setTitle(QStringLiteral("Unsaved"));
+    model.commit();
+
+    model.clear();
+
+    // The host must not clear with unsaved bookings: the list keeps what was on it.
+    QCOMPARE(model.invalidItems().size(), 1);
+    QVERIFY(model.commitTimer()->isActive());
+    const_cast<QTimer*>(model.commitTimer())->stop();
+}
+
+void TestBkCalendarModel::shouldCreateEmptyRangeWhenAskedWhetherLoaded()
+{
+    BkCalendarModel model;
+    const BkCalendarResource ann(3);
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+
+    QVERIFY(!model.loaded(ann, Day));
+    QVERIFY(model.loadedRanges().contains(ann));
+    QVERIFY(!model.loadedRanges().value(ann).first.isValid());
+    QVERIFY(!model.loadedRanges().value(ann).second.isValid());
+    QCOMPARE(loads.count(), 0);
+
+    // The key now counts as known: the invalid first date stays, and the request starts with it.
+    model.items(Day, ann);
+    QCOMPARE(loads.count(), 1);
+    QVERIFY(!loads.at(0).at(0).toDate().isValid());
+    QCOMPARE(loads.at(0).at(1).toDate(), Day.addDays(8));
+    QVERIFY(!model.loadedRanges().value(ann).first.isValid());
+    QCOMPARE(model.loadedRanges().value(ann).second, Day.addDays(8));
+}
+
+void TestBkCalendarModel::shouldTellOnlyItemsWithIdOfToolTipSetting()
+{
+    BkCalendarModel model;
+    auto* withId = makeItem(1, 3, QVariant());
+    auto* withoutId = makeItem(QVariant(), 3, QVariant());
+    withId->setToolTip(QStringLiteral("One"));
+    withoutId->setToolTip(QStringLiteral("Two"));
+    BkCalendarItemWidget first(withId);
+    BkCalendarItemWidget second(withoutId);
+    QVERIFY(model.addItem(withId));
+    QVERIFY(model.addItem(withoutId));
+    QCOMPARE(first.toolTip(), QStringLiteral("One"));
+    QCOMPARE(second.toolTip(), QStringLiteral("Two"));
+
+    model.setToolTipsEnabled(false);
+
+    QVERIFY(!model.toolTipsEnabled());
+    QVERIFY(first.toolTip().isEmpty());
+    QCOMPARE(second.toolTip(), QStringLiteral("Two"));
+
+    // Added again, the item without id takes the setting.
+    model.removeItem(withoutId);
+    QVERIFY(model.addItem(withoutId));
+    QVERIFY(second.toolTip().isEmpty());
+}
+
+void TestBkCalendarModel::shouldRelayUpdateWithoutSignal()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, QVariant());
+    QVERIFY(model.addItem(item));
+    BkCalendarItemWidget widget(item);
+    QSignalSpy changed(&model, &BkCalendarModel::itemChanged);
+    model.updateItem(item);
+    model.updateItem(nullptr);
+    QCOMPARE(changed.count(), 0);
+    QVERIFY(!model.isInvalid(item));
+}
+
+void TestBkCalendarModel::shouldResetWhenDestroyed()
+{
+    auto* model = new BkCalendarModel;
+    auto* item = makeItem(1, 3, QVariant());
+    QVERIFY(model->addItem(item));
+    BkCalendarItemWidget widget(item);
+    int resets = 0;
+    bool saved = false;
+    connect(model, &BkCalendarModel::reset, this, [&] { ++resets; });
+    connect(model, &BkCalendarModel::saveItems, this, [&] { saved = true; });
+    item->setTitle(QStringLiteral("Lost"));
+    model->commit();
+
+    delete model;
+
+    QCOMPARE(resets, 1);
+    QVERIFY(!saved);
+}
+
+void TestBkCalendarModel::shouldDeliverLoadRequestsThroughQueuedConnections()
+{
+    BkCalendarModel model;
+    QList<BkCalendarResource> asked;
+    QList<QList<BkCalendarItem*>> batches;
+    QObject receiver;
+    connect(
+        &model, &BkCalendarModel::loadData, &receiver,
+        [&](const QDate&, const QDate&, const BkCalendarResource& resource) { asked.append(resource); },
+        Qt::QueuedConnection);
+    connect(
+        &model, &BkCalendarModel::saveItems, &receiver,
+        [&](const QList<BkCalendarItem*>& items) { batches.append(items); }, Qt::QueuedConnection);
+    auto* item = makeItem(1, 3, QVariant());
+    QVERIFY(model.addItem(item));
+    item->setTitle(QStringLiteral("Changed"));
+
+    model.items(Day, BkCalendarResource(3, QStringLiteral("Ann")));
+    model.commitToDatabase();
+
+    QTRY_COMPARE_WITH_TIMEOUT(asked.size(), 1, 5000);
+    QCOMPARE(asked.at(0).name, QStringLiteral("Ann"));
+    QTRY_COMPARE_WITH_TIMEOUT(batches.size(), 1, 5000);
+    QCOMPARE(batches.at(0), QList<BkCalendarItem*>{item});
+}
+
+QTEST_MAIN(TestBkCalendarModel)
+#include "tst_bkcalendarmodel.moc"
