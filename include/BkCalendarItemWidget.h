@@ -34,7 +34,9 @@ public:
         Type = QGraphicsItem::UserType + 1
     };
 
-    BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeScale* scale, BkCalendarColumn* column);
+    // Without a scale the box only holds its booking; without a column it has no parent.
+    explicit BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeScale* scale = nullptr,
+                                  BkCalendarColumn* column = nullptr);
     ~BkCalendarItemWidget() override;
 
     QRectF boundingRect() const override;
