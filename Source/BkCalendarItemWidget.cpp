@@ -1,30 +1,429 @@
 #include "BkCalendarItemWidget.h"
 
+#include "BkCalendarColorScheme.h"
+#include "BkCalendarColumn.h"
 #include "BkCalendarItem.h"
+#include "BkCalendarTimeScale.h"
+#include "FwApplication.h"
+#include "FwTextDocument.h"
 
-BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, QGraphicsItem* parent)
-    : QObject()
-    , QGraphicsItem(parent)
+#include <QBrush>
+#include <QFont>
+#include <QGraphicsSceneMouseEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPen>
+#include <QPixmap>
+#include <QStyle>
+#include <QStyleOptionGraphicsItem>
+
+#include <cmath>
+
+namespace {
+
+int minutesBetween(const QTime& a, const QTime& b)
+{
+    return a.secsTo(b) / 60;
+}
+
+int settingValue(const char* key)
+{
+    return FwApplication::app() ? FwApplication::app()->getValue(QString::fromLatin1(key), "").toInt() : 0;
+}
+
+} // namespace
+
+BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeScale* scale,
+                                           BkCalendarColumn* column)
+    : QObject(nullptr)
+    , QGraphicsItem(column)
+    , mMoved(false)
+    , mExpanded(false)
+    , mDeleting(false)
+    , mPressPos(0, 0)
+    , mRect(0, 0, 100, 100)
+    , mColumnRect(0, 0, 100, 100)
+    , mSavedRect(0, 0, 0, 0)
+    , mY(0)
+    , mX(0)
+    , mHeight(0)
+    , mColumn(column)
+    , mColIndex(1)
+    , mColCount(1)
     , mItem(item)
+    , mScale(nullptr)
+    , mScheme(nullptr)
 {
     if (mItem)
         mItem->widget = this;
+    setFlags(QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable | QGraphicsItem::ItemIsFocusable |
+             QGraphicsItem::ItemSendsGeometryChanges | QGraphicsItem::ItemSendsScenePositionChanges);
+    setAcceptHoverEvents(true);
+    setData(ItemKindRole, int(ItemKindItemWidget));
+    // Tool tips are decided once per box; the booking switches them later.
+    if (mItem && settingValue("set_showtooltips") == 1)
+        setToolTip(mItem->toolTip());
+    setData(0, 1);
+    mScale = scale;
+    updateInfo();
 }
 
 BkCalendarItemWidget::~BkCalendarItemWidget()
 {
+    // First of all, so that a layout run during the teardown passes this box over.
+    mDeleting = true;
     if (mItem && mItem->widget == this)
         mItem->widget = nullptr;
 }
 
-void BkCalendarItemWidget::updated()
-{
-    // Relaying out the column's boxes belongs to the column, which is not joined to this widget yet.
-}
-
 QRectF BkCalendarItemWidget::boundingRect() const
 {
-    return QRectF(0.0, 0.0, 100.0, 100.0);
+    return mRect;
 }
 
-void BkCalendarItemWidget::paint(QPainter*, const QStyleOptionGraphicsItem*, QWidget*) {}
+int BkCalendarItemWidget::type() const
+{
+    return Type;
+}
+
+void BkCalendarItemWidget::updateInfo()
+{
+    if (!mScale || !mItem)
+        return;
+    prepareGeometryChange();
+
+    mGradient = QLinearGradient(0, 0, 0, 100);
+    const int statusId = mItem->statusId.toInt();
+    if (!mItem->statusId.isNull() && mScheme && mScheme->statusColors.contains(statusId)) {
+        const QColor color = mScheme->statusColors.value(statusId).color;
+        mGradient.setColorAt(0.0, color);
+        mGradient.setColorAt(1.0, color.darker(150));
+    } else {
+        mGradient.setColorAt(0.0, mItem->topColor);
+        mGradient.setColorAt(1.0, mItem->bottomColor);
+    }
+
+    if (!mScheme) {
+        mSelectedGradient = mGradient;
+    } else {
+        mSelectedGradient = QLinearGradient(0, 0, 0, 100);
+        mSelectedGradient.setColorAt(0.0, mScheme->selectedHeader);
+        mSelectedGradient.setColorAt(1.0, mScheme->selectedHeaderGradient);
+    }
+
+    // The outline follows the booking's own colour even when a status colour fills the box. A value
+    // below 10 stays at 0, so that a very dark colour still gives a valid, black outline.
+    const QColor& bottom = mItem->bottomColor;
+    mBorder = QColor::fromHsv(bottom.hsvHue(), bottom.hsvSaturation(), qMax(0, bottom.value() - 10), 255);
+
+    const double m = double(mScale->minuteHeight());
+    const double t = double(mScale->topMargin());
+    mY = minutesBetween(mScale->start(), mItem->start()) * m + t;
+    mHeight = minutesBetween(mItem->start(), mItem->end()) * m;
+    mX = mColIndex * (mColumnRect.width() / mColCount);
+    mRect = QRectF(0, 0, mColumnRect.width() / mColCount, mHeight);
+
+    setPos(mX, mY);
+    QGraphicsItem::update();
+}
+
+void BkCalendarItemWidget::widthChanged(double width)
+{
+    prepareGeometryChange();
+    mColumnRect.setWidth(width - 5.0);
+    updateInfo();
+}
+
+void BkCalendarItemWidget::itemChanged(BkCalendarItem* item)
+{
+    // The model tells every box of every booking.
+    if (item && item == mItem)
+        updateInfo();
+}
+
+void BkCalendarItemWidget::itemRemoved(BkCalendarItem* item)
+{
+    if (!item || item != mItem)
+        return;
+    mItem->widget = nullptr;
+    mItem = nullptr;
+    deleteLater();
+}
+
+void BkCalendarItemWidget::updated()
+{
+    if (mColumn && !mDeleting)
+        mColumn->checkCollisions();
+}
+
+void BkCalendarItemWidget::setColInfo(int index, int count)
+{
+    // The early return ends the re-entrance: setPos below runs the column's layout again, and that
+    // nested run finds this box settled.
+    if (index == mColIndex && count == mColCount)
+        return;
+    mColIndex = index;
+    mColCount = count;
+    updateInfo();
+}
+
+QList<BkCalendarItemWidget*> BkCalendarItemWidget::intersectList(QList<BkCalendarItemWidget*> list)
+{
+    QList<BkCalendarItemWidget*> result;
+    double top = pos().y();
+    double bottom = top + boundingRect().height();
+    bool tookSome = true;
+    while (tookSome) {
+        tookSome = false;
+        QList<BkCalendarItemWidget*> rest;
+        for (BkCalendarItemWidget* other : qAsConst(list)) {
+            if (other == this)
+                continue;
+            const double otherTop = other->pos().y();
+            const double otherBottom = otherTop + other->boundingRect().height();
+            // Strict on both sides: boxes that only touch do not overlap. The span widens at once,
+            // so later boxes of the same pass already meet it.
+            if (bottom > otherTop && otherBottom > top) {
+                result.append(other);
+                top = qMin(otherTop, top);
+                if (otherBottom > bottom)
+                    bottom = otherBottom;
+                tookSome = true;
+            } else {
+                rest.append(other);
+            }
+        }
+        list = rest;
+    }
+    result.append(this);
+    return result;
+}
+
+QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange change, const QVariant& value)
+{
+    // A box whose booking is gone waits for its deletion and takes part in nothing.
+    if (!mItem)
+        return QVariant(false);
+
+    switch (change) {
+    case ItemPositionChange:
+        if (mItem->type() != BkCalendarItem::Reserved && mScale) {
+            // The booking's time decides where the box stands: a proposal is taken only at the y
+            // that the time gives, and sideways only together with it.
+            const QPointF proposed = value.toPointF();
+            const double m = double(mScale->minuteHeight());
+            const double t = double(mScale->topMargin());
+            const double snapped = std::trunc((proposed.y() - t) / m) * m + t;
+            const float expected =
+                float(minutesBetween(mScale->start(), mItem->start())) * float(mScale->minuteHeight()) +
+                float(mScale->topMargin());
+            if ((snapped - double(expected)) / m == 0.0)
+                return QPointF(proposed.x(), snapped);
+            return pos();
+        }
+        break;
+    case ItemPositionHasChanged:
+        if (mColumn)
+            mColumn->checkCollisions();
+        break;
+    case ItemParentChange: {
+        if (mColumn)
+            disconnect(mColumn, qOverload<double>(&BkCalendarColumn::widthChanged), this,
+                       &BkCalendarItemWidget::widthChanged);
+        QGraphicsItem* parent = qvariant_cast<QGraphicsItem*>(value);
+        mColumn = dynamic_cast<BkCalendarColumn*>(parent);
+        if (mColumn)
+            connect(mColumn, qOverload<double>(&BkCalendarColumn::widthChanged), this,
+                    &BkCalendarItemWidget::widthChanged);
+        break;
+    }
+    default:
+        break;
+    }
+    return QGraphicsItem::itemChange(change, value);
+}
+
+// The gestures on a booking are not built yet: the events take their default course, which selects
+// the box on a press. The booking's time still decides where the box stands.
+void BkCalendarItemWidget::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
+{
+    QGraphicsItem::mouseMoveEvent(event);
+}
+
+void BkCalendarItemWidget::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
+{
+    QGraphicsItem::mouseDoubleClickEvent(event);
+}
+
+void BkCalendarItemWidget::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
+{
+    QGraphicsItem::mouseReleaseEvent(event);
+}
+
+void BkCalendarItemWidget::mousePressEvent(QGraphicsSceneMouseEvent* event)
+{
+    QGraphicsItem::mousePressEvent(event);
+}
+
+void BkCalendarItemWidget::keyPressEvent(QKeyEvent* event)
+{
+    QGraphicsItem::keyPressEvent(event);
+}
+
+void BkCalendarItemWidget::hoverEnterEvent(QGraphicsSceneHoverEvent* event)
+{
+    QGraphicsItem::hoverEnterEvent(event);
+}
+
+void BkCalendarItemWidget::hoverLeaveEvent(QGraphicsSceneHoverEvent* event)
+{
+    QGraphicsItem::hoverLeaveEvent(event);
+}
+
+void BkCalendarItemWidget::contextMenuEvent(QGraphicsSceneContextMenuEvent* event)
+{
+    QGraphicsItem::contextMenuEvent(event);
+}
+
+// Key moves are not built yet; nothing moves.
+bool BkCalendarItemWidget::moveBySeconds(int n)
+{
+    Q_UNUSED(n)
+    return false;
+}
+
+void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)
+{
+    Q_UNUSED(widget)
+    if (!mItem)
+        return;
+
+    FwTextDocument document(nullptr);
+    const QRectF shadow(mRect.x() + 4, mRect.y() + 6, mRect.width() - 5, mRect.height() - 7);
+    QRectF r(mRect.x(), mRect.y() + 2, mRect.width() - 5, mRect.height() - 7);
+    const QString timeText =
+        tr("%1 - %2").arg(mItem->start().toString("h:mm"), mItem->end().toString("h:mm"));
+    const int type = int(mItem->type());
+
+    if (type == BkCalendarItem::Reserved) {
+        // A foreign reservation shows nothing of its own.
+        painter->setPen(Qt::darkGray);
+        painter->setBrush(QBrush(QColor(100, 100, 100, 50)));
+        painter->drawRoundedRect(r, 5.0, 5.0, Qt::AbsoluteSize);
+        QFont bold = painter->font();
+        bold.setWeight(75);
+        painter->setFont(bold);
+        painter->drawText(r, Qt::AlignHCenter | Qt::AlignVCenter, tr("Reserved"));
+        return;
+    }
+
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(QBrush(QColor(100, 100, 100, 50)));
+    painter->drawRoundedRect(shadow, 5.0, 5.0, Qt::AbsoluteSize);
+
+    if (option && (option->state & QStyle::State_Selected)) {
+        painter->setBrush(QBrush(mSelectedGradient));
+        // Selecting a booking selects its column as well.
+        if (parentItem())
+            parentItem()->setSelected(true);
+    } else {
+        painter->setBrush(QBrush(mGradient));
+    }
+    painter->setPen(mBorder);
+    painter->drawRoundedRect(r, 5.0, 5.0, Qt::AbsoluteSize);
+
+    if (mItem->leftColor.isValid()) {
+        painter->setBrush(QBrush(mItem->leftColor));
+        QRectF strip = r;
+        strip.setWidth(5.0);
+        painter->setClipping(true);
+        painter->setClipRect(strip, Qt::ReplaceClip);
+        painter->drawRoundedRect(strip, 5.0, 5.0, Qt::AbsoluteSize);
+        painter->setClipping(false);
+        painter->setPen(mBorder);
+        const int x = int(r.x() + 5);
+        painter->drawLine(x, 2, x, int(strip.height() - 4));
+        r.setLeft(r.left() + 8);
+    } else {
+        r.setLeft(r.left() + 3);
+    }
+
+    if (mItem->rightColor.isValid()) {
+        painter->setBrush(QBrush(mItem->rightColor));
+        QRectF strip = r;
+        painter->setClipping(true);
+        strip.setLeft(strip.right() - 5);
+        painter->setClipRect(strip, Qt::ReplaceClip);
+        painter->drawRoundedRect(strip, 5.0, 5.0, Qt::AbsoluteSize);
+        painter->setClipping(false);
+        painter->setPen(mBorder);
+        const int x = int(r.x() + r.width() - 5);
+        painter->drawLine(x, 2, x, int(strip.height() - 4));
+        r.setRight(r.right() - 8);
+    } else {
+        // Not the mirror of the left strip: without strips the text starts 6 in from the left.
+        r.setLeft(r.left() + 3);
+    }
+
+    painter->setPen(Qt::black);
+    const QFont originalFont = painter->font();
+    QFont font = originalFont;
+    font.setWeight(75);
+    painter->setFont(font);
+    const double textX = r.left();
+
+    QRectF bounds(0, 0, 0, 0);
+    if (settingValue("set_calshowtime") == 1 && type != BkCalendarItem::TextOnly) {
+        painter->drawText(r, Qt::AlignLeft, timeText, &bounds);
+        r.setTop(bounds.bottom());
+    }
+    if (type == BkCalendarItem::Meeting)
+        painter->drawText(r, Qt::AlignLeft, tr("Meeting"), &bounds);
+    else if (type != BkCalendarItem::TextOnly)
+        painter->drawText(r, Qt::AlignLeft | Qt::TextWordWrap, mItem->title(), &bounds);
+
+    if (mItem->locked != 0) {
+        painter->drawPixmap(QPointF(int(r.x() + r.width() - 16), 1.0), QPixmap(":/widgets/lock.png"));
+        r.setWidth(r.width() - 16);
+    }
+    if (type != BkCalendarItem::TextOnly)
+        r.moveLeft(5.0);
+    // For text only, nothing was drawn yet and the text starts at the very top of the box.
+    r.setTop(bounds.bottom());
+
+    font.setWeight(50);
+    painter->setFont(font);
+
+    painter->save();
+    if (type == BkCalendarItem::TextOnly)
+        painter->translate(textX, 0);
+    else
+        painter->translate(textX, r.y());
+    painter->setClipRect(QRect(QPoint(0, 0), QPoint(int(r.width()) - 1, int(r.height()) - 1)),
+                         Qt::ReplaceClip);
+    document.setDefaultFont(font);
+    document.setDocumentMargin(0);
+    document.setRichText(mItem->text());
+    document.setTextWidth(r.width());
+    document.drawContents(painter, QRectF());
+    painter->restore();
+    painter->setFont(originalFont);
+
+    // The icons stand at the height of the text area from the top, not at its foot.
+    if (r.height() > 40) {
+        int x = int(r.x() + r.width());
+        const int y = int(r.height() - 5.0);
+        if (type == BkCalendarItem::Meeting) {
+            x -= 20;
+            painter->drawPixmap(x, y, QPixmap(":/calendar/users.png"));
+        }
+        if (mItem->flags() & BkCalendarItem::FlagMail) {
+            x -= 20;
+            painter->drawPixmap(x, y, QPixmap(":/calendar/mail.png"));
+        }
+        if (mItem->flags() & BkCalendarItem::FlagPhone) {
+            x -= 20;
+            painter->drawPixmap(x, y, QPixmap(":/calendar/phone.png"));
+        }
+    }
+}

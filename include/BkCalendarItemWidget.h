@@ -3,33 +3,125 @@
 
 #include "FwCalendarGlobal.h"
 
+#include <QColor>
 #include <QGraphicsItem>
+#include <QLinearGradient>
+#include <QList>
 #include <QObject>
+#include <QPoint>
+#include <QPointF>
+#include <QRectF>
 
+class BkCalendarColorScheme;
+class BkCalendarColumn;
 class BkCalendarItem;
+class BkCalendarTimeScale;
+class QKeyEvent;
+class QPainter;
 
-// The graphics item that shows one booking. The booking and its widget point at each other; each
-// clears the other's pointer when it goes.
+// The box of one booking inside a column. The booking's time decides where the box stands; the
+// collision layout decides which share of the column's width it takes.
 class FWCALENDAR_EXPORT BkCalendarItemWidget : public QObject, public QGraphicsItem
 {
     Q_OBJECT
     Q_INTERFACES(QGraphicsItem)
+    // The column builds and refreshes its widgets through updateInfo().
+    friend class BkCalendarColumn;
 
 public:
-    explicit BkCalendarItemWidget(BkCalendarItem* item, QGraphicsItem* parent = nullptr);
+    enum
+    {
+        Type = QGraphicsItem::UserType + 1
+    };
+
+    // Without a scale the box only holds its booking; without a column it has no parent.
+    explicit BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeScale* scale = nullptr,
+                                  BkCalendarColumn* column = nullptr);
     ~BkCalendarItemWidget() override;
-
-    BkCalendarItem* item() const { return mItem; }
-    // Written by the booking when it goes, so the widget outlives it with no item.
-    void setItem(BkCalendarItem* item) { mItem = item; }
-
-    void updated();
 
     QRectF boundingRect() const override;
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
+    int type() const override;
+
+    bool deleting() const { return mDeleting; }
+    // Runs the column's layout again; the booking calls it when the host asks for a refresh.
+    void updated();
+
+    // Collision layout.
+    void setColInfo(int index, int count);
+    QList<BkCalendarItemWidget*> intersectList(QList<BkCalendarItemWidget*> list);
+
+    // Moves the booking by n minutes (key moves).
+    bool moveBySeconds(int n);
+
+    // Readers. The box's place and height in column coordinates are boxX(), boxY() and boxHeight():
+    // x() and y() of the graphics item give its present position, which the time may have refused.
+    int colIndex() const { return mColIndex; }
+    int colCount() const { return mColCount; }
+    double boxX() const { return mX; }
+    double boxY() const { return mY; }
+    double boxHeight() const { return mHeight; }
+    QRectF columnRect() const { return mColumnRect; }
+    QRectF savedRect() const { return mSavedRect; }
+    bool expanded() const { return mExpanded; }
+    bool moved() const { return mMoved; }
+    QPointF pressPos() const { return mPressPos; }
+    QColor border() const { return mBorder; }
+    QLinearGradient gradient() const { return mGradient; }
+    QLinearGradient selectedGradient() const { return mSelectedGradient; }
+    BkCalendarColumn* column() const { return mColumn; }
+    BkCalendarItem* item() const { return mItem; }
+    BkCalendarTimeScale* timeScale() const { return mScale; }
+    BkCalendarColorScheme* colorScheme() const { return mScheme; }
+
+    // The column writes the colours directly after construction.
+    void setColorScheme(BkCalendarColorScheme* scheme) { mScheme = scheme; }
+    // Written by the booking when it goes, so that the box outlives it with no booking.
+    void setItem(BkCalendarItem* item) { mItem = item; }
+
+signals:
+    void itemActivated(BkCalendarItem* item);
+    void itemContextMenu(QPoint pos, BkCalendarItem* item);
+
+public slots:
+    void itemRemoved(BkCalendarItem* item);
+    void itemChanged(BkCalendarItem* item);
+    void widthChanged(double width);
+
+protected slots:
+    void updateInfo();
+
+protected:
+    QVariant itemChange(QGraphicsItem::GraphicsItemChange change, const QVariant& value) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent* event) override;
+    void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void hoverEnterEvent(QGraphicsSceneHoverEvent* event) override;
+    void hoverLeaveEvent(QGraphicsSceneHoverEvent* event) override;
+    void contextMenuEvent(QGraphicsSceneContextMenuEvent* event) override;
 
 private:
-    BkCalendarItem* mItem = nullptr;
+    bool mMoved;
+    bool mExpanded;
+    bool mDeleting;
+    QPointF mPressPos;
+    QRectF mRect;
+    QRectF mColumnRect;
+    QRectF mSavedRect;
+    QColor mBorder;
+    double mY;
+    double mX;
+    double mHeight;
+    QLinearGradient mGradient;
+    QLinearGradient mSelectedGradient;
+    BkCalendarColumn* mColumn;
+    int mColIndex;
+    int mColCount;
+    BkCalendarItem* mItem;
+    BkCalendarTimeScale* mScale;
+    BkCalendarColorScheme* mScheme;
 };
 
 #endif // BKCALENDARITEMWIDGET_H

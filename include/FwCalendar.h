@@ -3,6 +3,7 @@
 
 // Everything a host needs to embed the booking calendar.
 #include "BkCalendarColorScheme.h"
+#include "BkCalendarColumn.h"
 #include "BkCalendarHeader.h"
 #include "BkCalendarInfoWidget.h"
 #include "BkCalendarItem.h"

@@ -1,0 +1,796 @@
+#include "BkCalendarColumn.h"
+
+#include "BkCalendarColorScheme.h"
+#include "BkCalendarHeader.h"
+#include "BkCalendarItem.h"
+#include "BkCalendarItemWidget.h"
+#include "BkCalendarModel.h"
+#include "BkCalendarTimeScale.h"
+#include "FwApplication.h"
+
+#include <QBrush>
+#include <QGraphicsSceneContextMenuEvent>
+#include <QGraphicsSceneDragDropEvent>
+#include <QGraphicsSceneMouseEvent>
+#include <QPainter>
+#include <QPen>
+#include <QStyle>
+#include <QStyleOptionGraphicsItem>
+#include <QVector>
+
+#include <algorithm>
+#include <limits>
+
+bool calendarItemLessThan(BkCalendarItem* a, BkCalendarItem* b)
+{
+    return a->start() < b->start();
+}
+
+namespace {
+
+// Whole minutes from a to b; the seconds are divided away, towards zero.
+int minutesBetween(const QTime& a, const QTime& b)
+{
+    return a.secsTo(b) / 60;
+}
+
+// One box as the layout sees it: its top and bottom in column coordinates and its tie-break key.
+struct LayoutBox
+{
+    double top;
+    double bottom;
+    bool hasItem;
+    int id;
+};
+
+LayoutBox layoutBoxOf(BkCalendarItemWidget* widget)
+{
+    LayoutBox box;
+    box.top = widget->pos().y();
+    box.bottom = box.top + widget->boundingRect().height();
+    box.hasItem = widget->item() != nullptr;
+    box.id = box.hasItem ? widget->item()->id.toInt() : 0;
+    return box;
+}
+
+bool sameBox(const LayoutBox& a, const LayoutBox& b)
+{
+    return a.top == b.top && a.bottom == b.bottom && a.hasItem == b.hasItem && a.id == b.id;
+}
+
+// The sub-column of every box at once, with the results that a cluster search per box
+// (BkCalendarItemWidget::intersectList) and the rank by top edge give, in O(n log n).
+//
+// A box with a positive height ("normal") joins the boxes whose spans it overlaps strictly, so the
+// normal boxes fall into runs that a sweep over their tops finds. A box of zero or negative height
+// belongs to the run whose whole span holds it strictly; it sees that run as its own cluster only
+// when one single normal box holds it, since its own cluster search starts from its own span.
+void computeLayout(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts)
+{
+    const int n = boxes.size();
+    indexes.fill(0, n);
+    counts.fill(1, n);
+
+    QVector<int> normals;
+    QVector<int> others;
+    normals.reserve(n);
+    for (int i = 0; i < n; ++i) {
+        if (boxes.at(i).bottom > boxes.at(i).top)
+            normals.append(i);
+        else
+            others.append(i);
+    }
+    std::stable_sort(normals.begin(), normals.end(),
+                     [&boxes](int a, int b) { return boxes.at(a).top < boxes.at(b).top; });
+
+    // Runs of normal boxes, in order of their tops, with their spans and a running maximum of the
+    // bottoms for the single-box test below.
+    QVector<int> runOf(n, -1);
+    QVector<double> runTop;
+    QVector<double> runBottom;
+    QVector<double> prefixBottom(normals.size());
+    double reach = -std::numeric_limits<double>::infinity();
+    for (int k = 0; k < normals.size(); ++k) {
+        const LayoutBox& box = boxes.at(normals.at(k));
+        if (runTop.isEmpty() || !(box.top < runBottom.last())) {
+            runTop.append(box.top);
+            runBottom.append(box.bottom);
+        } else if (box.bottom > runBottom.last()) {
+            runBottom.last() = box.bottom;
+        }
+        runOf[normals.at(k)] = runTop.size() - 1;
+        reach = std::max(reach, box.bottom);
+        prefixBottom[k] = reach;
+    }
+
+    // Members of each run: its normal boxes and the other boxes that lie strictly inside its span.
+    QVector<QVector<int>> members(runTop.size());
+    for (int k = 0; k < normals.size(); ++k)
+        members[runOf.at(normals.at(k))].append(normals.at(k));
+    QVector<bool> heldBySingleBox(n, false);
+    for (int i : others) {
+        const LayoutBox& box = boxes.at(i);
+        // The last run that starts before the box's lower end is the only one that can hold it.
+        const int r = int(std::lower_bound(runTop.begin(), runTop.end(), box.bottom) - runTop.begin()) - 1;
+        if (r < 0 || !(runBottom.at(r) > box.top))
+            continue;
+        members[r].append(i);
+        runOf[i] = r;
+        // Is there one normal box with top < lower end and bottom > upper end?
+        const auto firstNotBefore =
+            std::lower_bound(normals.begin(), normals.end(), box.bottom,
+                             [&boxes](int index, double value) { return boxes.at(index).top < value; });
+        const int last = int(firstNotBefore - normals.begin()) - 1;
+        heldBySingleBox[i] = last >= 0 && prefixBottom.at(last) > box.top;
+    }
+
+    // Rank inside each run: the boxes with a lower top, then at equal tops those with a lower id.
+    for (QVector<int>& run : members) {
+        std::stable_sort(run.begin(), run.end(), [&boxes](int a, int b) {
+            const LayoutBox& x = boxes.at(a);
+            const LayoutBox& y = boxes.at(b);
+            if (x.top != y.top)
+                return x.top < y.top;
+            return x.id < y.id;
+        });
+        const int size = run.size();
+        int groupStart = 0;
+        while (groupStart < size) {
+            int groupEnd = groupStart + 1;
+            while (groupEnd < size && boxes.at(run.at(groupEnd)).top == boxes.at(run.at(groupStart)).top)
+                ++groupEnd;
+            // Ids of the boxes with an item in this group of equal tops, sorted.
+            QVector<int> ids;
+            for (int g = groupStart; g < groupEnd; ++g) {
+                if (boxes.at(run.at(g)).hasItem)
+                    ids.append(boxes.at(run.at(g)).id);
+            }
+            std::sort(ids.begin(), ids.end());
+            for (int g = groupStart; g < groupEnd; ++g) {
+                const LayoutBox& box = boxes.at(run.at(g));
+                int index = groupStart;
+                if (box.hasItem)
+                    index += int(std::lower_bound(ids.begin(), ids.end(), box.id) - ids.begin());
+                indexes[run.at(g)] = index;
+                counts[run.at(g)] = size;
+            }
+            groupStart = groupEnd;
+        }
+    }
+
+    // A box that no single box holds finds nothing from its own span: it stays alone.
+    for (int i : others) {
+        if (runOf.at(i) >= 0 && !heldBySingleBox.at(i)) {
+            indexes[i] = 0;
+            counts[i] = 1;
+        }
+    }
+}
+
+} // namespace
+
+BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
+    : QObject(nullptr)
+    , QGraphicsItem(parent)
+    , mRect(0, 0, 100, 100)
+    , mModel(nullptr)
+    , mHeader(nullptr)
+    , mWidthType(WidthProportional)
+    , mRaise(RaiseOnClick)
+    , mWidthScale(1.0)
+    , mMinWidth(100)
+    , mScale(nullptr)
+    , mScheme(nullptr)
+    , mDate(QDate::currentDate())
+    , mResourceMode(0)
+    , mIndex(0)
+    , mCustomSize(false)
+    , mLayoutRun(nullptr)
+    , mHoldLayout(false)
+{
+    setFlags(QGraphicsItem::ItemIsSelectable);
+    setAcceptDrops(true);
+    setData(ItemKindRole, int(ItemKindColumn));
+    mHeader = new BkCalendarHeader(this);
+    mHeader->setResizable(resizable);
+}
+
+BkCalendarColumn::~BkCalendarColumn() = default;
+
+QRectF BkCalendarColumn::boundingRect() const
+{
+    return mRect;
+}
+
+void BkCalendarColumn::setRaise(Raise raise)
+{
+    mRaise = raise;
+}
+
+bool BkCalendarColumn::showsSomething() const
+{
+    return !mResource.id.isNull() && mResource.id.toInt() != -1 && mDate.isValid();
+}
+
+void BkCalendarColumn::placeGrip()
+{
+    if (mHeader)
+        mHeader->setGrip(QRectF(mRect.width() - 15.0, 5.0, 10.0, 10.0));
+}
+
+void BkCalendarColumn::init()
+{
+    init(-1.0);
+}
+
+void BkCalendarColumn::init(double start)
+{
+    if (!mScale)
+        return;
+    prepareGeometryChange();
+    // The value is read as pixels here; a proportional column gets its true width at sizeChanged.
+    mRect = QRectF(0, 0, mWidthScale, mScale->boundingRect().height());
+    placeGrip();
+    if (start == -1.0)
+        start = mIndex * mRect.width();
+    setPos(double(mScale->width()) + start, 25.0);
+    QGraphicsItem::update();
+}
+
+void BkCalendarColumn::updateSize()
+{
+    if (!mScale)
+        return;
+    prepareGeometryChange();
+    mRect = QRectF(0, 0, mWidthScale, mScale->boundingRect().height());
+    placeGrip();
+    QGraphicsItem::update();
+}
+
+void BkCalendarColumn::sizeChanged(int viewWidth)
+{
+    if (!mScale)
+        return;
+    prepareGeometryChange();
+    double width = mWidthScale;
+    if (mWidthType == WidthProportional) {
+        const float free = float(viewWidth) - float(mScale->width()) - 1.0f;
+        width = double(free) * mWidthScale;
+    }
+    mRect.setWidth(width);
+    placeGrip();
+    setPos(mIndex * width + double(mScale->width()), 25.0);
+    updateInfo();
+    emit widthChanged(width);
+}
+
+double BkCalendarColumn::setWidthScale(double scale, WidthType type, double start)
+{
+    // A width set by hand wins over the view's share-out.
+    if (!mHeader || !mHeader->resizable() || !mCustomSize) {
+        mWidthScale = scale;
+        mWidthType = type;
+    }
+    init(start);
+    updateInfo();
+    emit widthChanged(mRect.width());
+    return mWidthScale;
+}
+
+QRectF BkCalendarColumn::moveHeader(int y)
+{
+    if (!mHeader)
+        return QRectF();
+    if (y < 0)
+        y = 0;
+    const QRectF before = mHeader->sceneBoundingRect();
+    mHeader->setPos(mHeader->pos().x(), y);
+    return before.united(mHeader->sceneBoundingRect());
+}
+
+void BkCalendarColumn::update()
+{
+    QGraphicsItem::update();
+    if (showsSomething()) {
+        updateInfo();
+        updateChildren();
+    }
+    if (mHeader) {
+        mHeader->setColumn(this);
+        mHeader->date = mDate;
+        mHeader->setResourceMode(mResourceMode != 0);
+        mHeader->setColorScheme(mScheme);
+        mHeader->resource = mResource;
+        mHeader->widthChanged(mRect.width());
+    }
+}
+
+void BkCalendarColumn::updateInfo()
+{
+    if (!mModel)
+        return;
+    mPlans = mModel->plans(mDate, mResource);
+    if (mScale) {
+        const float m = float(mScale->minuteHeight());
+        const float t = float(mScale->topMargin());
+        const QTime scaleStart = mScale->start();
+        for (BkCalendarPlan* plan : qAsConst(mPlans)) {
+            const float y = float(minutesBetween(scaleStart, plan->start)) * m + t;
+            const float height = float(minutesBetween(plan->start, plan->end)) * m;
+            plan->rect = QRectF(1.0, int(y), int(mRect.width() - 1.0), int(height));
+        }
+    }
+    QGraphicsItem::update();
+}
+
+void BkCalendarColumn::planAdded(BkCalendarPlan* plan)
+{
+    if (!plan)
+        return;
+    if (plan->resource.type == mResource.type && plan->resource.id == mResource.id && plan->date == mDate)
+        updateInfo();
+}
+
+void BkCalendarColumn::setModel(BkCalendarModel* model)
+{
+    mModel = model;
+    if (!mModel)
+        return;
+    updateChildren();
+    connect(mModel, &BkCalendarModel::planChanged, this, &BkCalendarColumn::updateInfo);
+    connect(mModel, &BkCalendarModel::planRemoved, this, &BkCalendarColumn::updateInfo);
+    connect(mModel, &BkCalendarModel::planAdded, this, &BkCalendarColumn::planAdded);
+    connect(mModel, &BkCalendarModel::itemAdded, this, &BkCalendarColumn::itemAdded);
+}
+
+BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)
+{
+    auto* widget = new BkCalendarItemWidget(item, mScale, this);
+    widget->widthChanged(mRect.width());
+    widget->setColorScheme(mScheme);
+    widget->updateInfo();
+    // Nothing reads key 0; the widget marks itself with 1 and the column with 0.
+    widget->setData(0, 0);
+    connect(widget, &BkCalendarItemWidget::itemContextMenu, this, &BkCalendarColumn::itemContextMenu);
+    connect(widget, &BkCalendarItemWidget::itemActivated, this, &BkCalendarColumn::itemActivated);
+    connect(this, qOverload<double>(&BkCalendarColumn::widthChanged), widget,
+            &BkCalendarItemWidget::widthChanged);
+    if (mModel) {
+        connect(mModel, &BkCalendarModel::itemChanged, widget, &BkCalendarItemWidget::itemChanged);
+        connect(mModel, &BkCalendarModel::itemRemoved, widget, &BkCalendarItemWidget::itemRemoved);
+    }
+    return widget;
+}
+
+void BkCalendarColumn::updateChildren()
+{
+    // Widgets are never reused: the old ones go, and every shown booking gets a new one. Each removal
+    // and insertion would lay the column out; the layout is a function of the boxes' tops and heights
+    // alone and every box here is new, so one run over the finished set gives the same boxes.
+    mHoldLayout = true;
+    const QList<QGraphicsItem*> children = childItems();
+    for (int i = children.size() - 1; i >= 0; --i) {
+        if (children.at(i)->data(ItemKindRole).toInt() == ItemKindItemWidget)
+            delete children.at(i);
+    }
+    if (mModel && showsSomething()) {
+        const QList<BkCalendarItem*> items = mModel->items(mDate, mResource);
+        for (BkCalendarItem* item : items) {
+            if (mScale && mScale->inside(item->start(), item->end()))
+                makeWidget(item);
+        }
+    }
+    mHoldLayout = false;
+    checkCollisions();
+}
+
+void BkCalendarColumn::itemAdded(BkCalendarItem* item)
+{
+    if (!item || item->date() != mDate || !item->isLike(mResource))
+        return;
+    // Unlike updateChildren, a new booking gets its box whatever the scale shows.
+    makeWidget(item);
+}
+
+QVariant BkCalendarColumn::itemChange(QGraphicsItem::GraphicsItemChange change, const QVariant& value)
+{
+    if (change == ItemSelectedChange && value.toBool())
+        emit dateSelected(mDate);
+    else if (change == ItemChildAddedChange || change == ItemChildRemovedChange)
+        checkCollisions();
+    return QGraphicsItem::itemChange(change, value);
+}
+
+QList<BkCalendarItem*> BkCalendarColumn::getItems(bool excludeReserved) const
+{
+    if (!mModel)
+        return QList<BkCalendarItem*>();
+    QList<BkCalendarItem*> items = mModel->items(mDate, mResource);
+    if (excludeReserved) {
+        for (int i = items.size() - 1; i >= 0; --i) {
+            if (items.at(i)->type() == BkCalendarItem::Reserved)
+                items.removeAt(i);
+        }
+    }
+    return items;
+}
+
+QList<BkCalendarItem*> BkCalendarColumn::getSortedItems() const
+{
+    QList<BkCalendarItem*> items = getItems(true);
+    std::stable_sort(items.begin(), items.end(), calendarItemLessThan);
+    return items;
+}
+
+BkCalendarItem* BkCalendarColumn::getSelectedItem() const
+{
+    const QList<BkCalendarItem*> items = getItems(true);
+    for (BkCalendarItem* item : items) {
+        // A booking outside the scale's span has no box and cannot be selected.
+        if (item->widget && item->widget->isSelected())
+            return item;
+    }
+    return nullptr;
+}
+
+bool BkCalendarColumn::isChildSelected()
+{
+    const QList<QGraphicsItem*> children = childItems();
+    for (QGraphicsItem* child : children) {
+        if (child != mHeader && child->isSelected())
+            return true;
+    }
+    return false;
+}
+
+namespace {
+
+// The bookings of a walk: only those with a box take part, so the walk never lands on a booking
+// that the user cannot see.
+QList<BkCalendarItem*> withWidgets(QList<BkCalendarItem*> items)
+{
+    for (int i = items.size() - 1; i >= 0; --i) {
+        if (!items.at(i)->widget)
+            items.removeAt(i);
+    }
+    return items;
+}
+
+int selectedIndex(const QList<BkCalendarItem*>& items)
+{
+    for (int i = 0; i < items.size(); ++i) {
+        if (items.at(i)->widget->isSelected())
+            return i;
+    }
+    return -1;
+}
+
+} // namespace
+
+void BkCalendarColumn::selectNextItem()
+{
+    const QList<BkCalendarItem*> items = withWidgets(getSortedItems());
+    if (items.isEmpty())
+        return;
+    const int current = selectedIndex(items);
+    const int target = (current < 0 || current == items.size() - 1) ? 0 : current + 1;
+    if (current >= 0) {
+        items.at(current)->widget->clearFocus();
+        items.at(current)->widget->setSelected(false);
+    }
+    BkCalendarItemWidget* widget = items.at(target)->widget;
+    widget->setFocus(Qt::OtherFocusReason);
+    widget->setSelected(true);
+    widget->ensureVisible(QRectF(), 50, 50);
+}
+
+void BkCalendarColumn::selectPreviousItem()
+{
+    const QList<BkCalendarItem*> items = withWidgets(getSortedItems());
+    if (items.isEmpty())
+        return;
+    const int current = selectedIndex(items);
+    const int target = (current <= 0) ? items.size() - 1 : current - 1;
+    if (current >= 0) {
+        items.at(current)->widget->clearFocus();
+        items.at(current)->widget->setSelected(false);
+    }
+    BkCalendarItemWidget* widget = items.at(target)->widget;
+    widget->setSelected(true);
+    widget->setFocus(Qt::OtherFocusReason);
+    widget->ensureVisible(QRectF(), 50, 50);
+}
+
+// The state of one layout run, shared with the runs nested in it.
+struct BkCalendarColumn::LayoutRun
+{
+    QVector<BkCalendarItemWidget*> widgets;
+    QVector<LayoutBox> boxes;
+    QVector<int> indexes;
+    QVector<int> counts;
+    // The box whose setColInfo is under way; only its move can start a nested run.
+    int current = -1;
+
+    void compute()
+    {
+        boxes.resize(widgets.size());
+        for (int i = 0; i < widgets.size(); ++i)
+            boxes[i] = layoutBoxOf(widgets.at(i));
+        computeLayout(boxes, indexes, counts);
+    }
+
+    // The answers stay those of a fresh search as long as no top, height or id has changed. Every box
+    // that a run sets is checked at once, so at any moment only the box being set can differ.
+    void refresh(int index)
+    {
+        if (index >= 0 && !sameBox(boxes.at(index), layoutBoxOf(widgets.at(index))))
+            compute();
+    }
+};
+
+void BkCalendarColumn::checkCollisions()
+{
+    if (mHoldLayout)
+        return;
+
+    // setColInfo moves a box sideways, and the move enters this function again. Within a run nothing
+    // adds, removes, hides or re-tags a box, so a nested run works on the same boxes in the same order
+    // as the run around it; it shares that run's answers and only checks them against the boxes'
+    // present tops and heights. Each run still visits every box and sets every box that differs, so
+    // the boxes change in the same order as with a fresh search per run.
+    if (mLayoutRun) {
+        mLayoutRun->refresh(mLayoutRun->current);
+        settleLayout(*mLayoutRun);
+        return;
+    }
+
+    LayoutRun run;
+    const QList<QGraphicsItem*> children = childItems();
+    run.widgets.reserve(children.size());
+    for (QGraphicsItem* child : children) {
+        // A widget under construction has no kind yet and is passed over; it joins at its first move.
+        if (!child->isVisible() || child->data(ItemKindRole).toInt() != ItemKindItemWidget)
+            continue;
+        auto* widget = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
+        if (widget && !widget->deleting())
+            run.widgets.append(widget);
+    }
+    if (run.widgets.isEmpty())
+        return;
+    run.compute();
+    mLayoutRun = &run;
+    settleLayout(run);
+    mLayoutRun = nullptr;
+}
+
+void BkCalendarColumn::settleLayout(LayoutRun& run)
+{
+    for (int i = 0; i < run.widgets.size(); ++i) {
+        BkCalendarItemWidget* widget = run.widgets.at(i);
+        if (widget->colIndex() == run.indexes.at(i) && widget->colCount() == run.counts.at(i))
+            continue; // setColInfo would return at once
+        const int outer = run.current;
+        run.current = i;
+        widget->setColInfo(run.indexes.at(i), run.counts.at(i));
+        // Setting a box recomputes its geometry from its booking; it may have changed its height
+        // without moving sideways, which starts no nested run.
+        run.refresh(i);
+        run.current = outer;
+    }
+}
+
+BkCalendarPlan* BkCalendarColumn::planAt(QTime start, QTime end)
+{
+    if (!start.isValid())
+        return nullptr;
+    if (!end.isValid())
+        end = start;
+    else if (end < start)
+        return nullptr;
+    for (BkCalendarPlan* plan : qAsConst(mPlans)) {
+        if (plan->start <= start && end <= plan->end)
+            return plan;
+    }
+    return nullptr;
+}
+
+// The booking rules below are not built yet: until they are, nothing may be booked or moved here,
+// which is the safe answer for every caller.
+bool BkCalendarColumn::allowBooking(QTime start, QTime end)
+{
+    Q_UNUSED(start)
+    Q_UNUSED(end)
+    return false;
+}
+
+bool BkCalendarColumn::isResourceBooked(BkCalendarItem* item)
+{
+    Q_UNUSED(item)
+    return false;
+}
+
+bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
+{
+    Q_UNUSED(item)
+    Q_UNUSED(start)
+    return false;
+}
+
+void BkCalendarColumn::move(double delta)
+{
+    mWidthScale += delta;
+    if (mWidthScale < mMinWidth)
+        mWidthScale = mMinWidth;
+    updateSize();
+    updateInfo();
+    emit widthChanged();
+    emit widthChanged(mRect.width());
+    mCustomSize = true;
+}
+
+// The saved layout of custom widths is not read or written yet; a column keeps the view's width.
+void BkCalendarColumn::initSavedValue() {}
+
+void BkCalendarColumn::removeCustomSize() {}
+
+void BkCalendarColumn::setHeaderText(const QString& text)
+{
+    if (mHeader)
+        mHeader->setText(text);
+}
+
+void BkCalendarColumn::setMinWidth(int width)
+{
+    mMinWidth = width;
+}
+
+void BkCalendarColumn::emitHeaderActivated()
+{
+    emit headerActivated(this, mResource);
+}
+
+void BkCalendarColumn::contextMenuEvent(QGraphicsSceneContextMenuEvent* event)
+{
+    if (mScale) {
+        const QTime time = mScale->timeAt(event->pos().y());
+        BkCalendarPlan* plan = planAt(time, QTime());
+        if (plan && plan->bookable)
+            emit planContextMenu(event->screenPos(), plan, time);
+    }
+    event->accept();
+}
+
+void BkCalendarColumn::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
+{
+    if (mScale) {
+        const QTime time = mScale->timeAt(event->pos().y());
+        BkCalendarPlan* plan = planAt(time, QTime());
+        if (plan && plan->bookable)
+            emit planActivated(plan, time);
+    }
+    QGraphicsItem::mouseDoubleClickEvent(event);
+}
+
+void BkCalendarColumn::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
+{
+    // No test of bookable here: a right-click on a closed block still reaches the host.
+    if (mScale && event->button() == Qt::RightButton) {
+        const QTime time = mScale->timeAt(event->pos().y());
+        BkCalendarPlan* plan = planAt(time, QTime());
+        if (plan)
+            emit planContextMenu(event->screenPos(), plan, time);
+    }
+    QGraphicsItem::mouseReleaseEvent(event);
+}
+
+// Drag and drop of bookings is not built yet: the events take their default course.
+void BkCalendarColumn::dragEnterEvent(QGraphicsSceneDragDropEvent* event)
+{
+    QGraphicsItem::dragEnterEvent(event);
+}
+
+void BkCalendarColumn::dragMoveEvent(QGraphicsSceneDragDropEvent* event)
+{
+    QGraphicsItem::dragMoveEvent(event);
+}
+
+void BkCalendarColumn::dropEvent(QGraphicsSceneDragDropEvent* event)
+{
+    QGraphicsItem::dropEvent(event);
+}
+
+void BkCalendarColumn::dragLeaveEvent(QGraphicsSceneDragDropEvent* event)
+{
+    QGraphicsItem::dragLeaveEvent(event);
+}
+
+void BkCalendarColumn::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)
+{
+    Q_UNUSED(widget)
+    if (!mScale || !mScheme)
+        return;
+    const double t = double(mScale->topMargin());
+    const QRectF body(0, mRect.y() + t, mRect.width() - 1.0, mRect.height() - (mRect.y() + t));
+    const QRectF band(mRect.x(), mRect.y(), mRect.width(), t);
+
+    // Painting is what carries the selection of the column, or of one of its boxes, to the header.
+    const bool selected = (option && (option->state & QStyle::State_Selected)) || isChildSelected();
+    painter->setPen(selected ? mScheme->selectedFrame : mScheme->frame);
+    if (mHeader)
+        mHeader->setSelected(selected);
+
+    painter->setBrush(QBrush(Qt::white));
+    painter->drawRect(body);
+    painter->setBrush(QBrush(mScheme->hourLine));
+    painter->drawRect(band);
+    paintLines(painter);
+    paintPlan(painter);
+}
+
+void BkCalendarColumn::paintLines(QPainter* painter)
+{
+    if (!mScale || !mScheme)
+        return;
+    const int n = mScale->loops();
+    const int step = mScale->timeSteps();
+    const double m = double(mScale->minuteHeight());
+    const double t = double(mScale->topMargin());
+    const double w = mRect.width();
+
+    painter->setPen(mScheme->hourLine);
+    QTime time = mScale->start().addSecs(step * 60);
+    for (int i = 1; i < n; ++i) {
+        const double y = double(step * i) * m + t;
+        if (mScale->hourAligned()) {
+            painter->setPen(time.minute() == 0 ? mScheme->hourLine : mScheme->stepLine);
+            time = time.addSecs(step * 60);
+        }
+        painter->drawLine(0, int(y), int(w), int(y));
+    }
+}
+
+void BkCalendarColumn::paintPlan(QPainter* painter)
+{
+    for (BkCalendarPlan* plan : qAsConst(mPlans)) {
+        const QRectF r = plan->rect;
+        QString label;
+        if (plan->infoId == -1) {
+            painter->setBrush(QBrush(Qt::green));
+        } else {
+            const BkCalendarPlanInfo info =
+                mModel ? mModel->planInfo(QVariant(plan->infoId)) : BkCalendarPlanInfo();
+            painter->setBrush(QBrush(info.color));
+            label = info.label;
+        }
+        painter->setPen(Qt::NoPen);
+        painter->drawRect(r);
+
+        if (!plan->bookable) {
+            // Closed time is hatched.
+            QColor hatch(Qt::red);
+            hatch.setAlpha(50);
+            painter->setBrush(QBrush(hatch, Qt::BDiagPattern));
+            painter->drawRect(r);
+        }
+
+        if (plan->infoId != -1) {
+            painter->setPen(Qt::gray);
+            const int university =
+                FwApplication::app() ? FwApplication::app()->getValue("gst_university", "").toInt() : 0;
+            const double advance = mScale ? double(mScale->minuteHeight()) * mScale->timeSteps() : 0.0;
+            // The label repeats once per time step down the block; a scale without height per step
+            // would never reach the block's foot, so it gets the label once.
+            if (university == 1 && advance > 0.0) {
+                QRectF part = r;
+                double y = part.top();
+                while (y < r.y() + r.height()) {
+                    painter->drawText(part, Qt::AlignLeft | Qt::AlignTop, label);
+                    y += advance;
+                    part.setTop(y);
+                }
+            } else {
+                painter->drawText(r, Qt::AlignLeft | Qt::AlignTop, label);
+            }
+        }
+    }
+}

@@ -1,0 +1,197 @@
+// How fast a column shares its width among overlapping bookings.
+//
+// Every case uses one day of n bookings that all hang together in one cluster: each starts 3 minutes
+// after the one before and lasts an hour, so each box overlaps its neighbours and the whole day is
+// one run of n sub-columns.
+
+#include <BkCalendarColorScheme.h>
+#include <BkCalendarColumn.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarItemWidget.h>
+#include <BkCalendarModel.h>
+#include <BkCalendarTimeScale.h>
+
+#include <QGraphicsScene>
+#include <QtTest>
+
+namespace {
+
+struct Day
+{
+    explicit Day(int count)
+    {
+        scale = new BkCalendarTimeScale();
+        scene.addItem(scale);
+        scale->setInterval(QTime(6, 0), QTime(20, 0));
+        scale->setTimeSteps(15);
+        scale->setMinuteHeight(1.5f);
+        scale->setTopMargin(50.0f);
+        column = new BkCalendarColumn(nullptr, false);
+        scene.addItem(column);
+        column->setTimeScale(scale);
+        column->init(-1.0);
+        column->setColorScheme(&scheme);
+        column->setModel(&model);
+        column->setDate(date);
+        column->setResource(resource);
+        column->setWidthScale(805.0, WidthFixed, -1.0);
+        for (int i = 0; i < count; ++i) {
+            auto* item = new BkCalendarItem();
+            item->id = i + 1;
+            item->topColor = Qt::white;
+            item->bottomColor = Qt::lightGray;
+            item->setDate(date);
+            item->setUserId(resource.id);
+            const QTime start = QTime(8, 0).addSecs(i * 180);
+            item->setTime(start, start.addSecs(3600));
+            model.addItem(item);
+            items.append(item);
+        }
+    }
+
+    QDate date = QDate(2024, 3, 11);
+    BkCalendarResource resource = BkCalendarResource(1, QString(), 0);
+    QGraphicsScene scene;
+    BkCalendarColorScheme scheme;
+    BkCalendarModel model;
+    BkCalendarTimeScale* scale = nullptr;
+    BkCalendarColumn* column = nullptr;
+    QList<BkCalendarItem*> items;
+};
+
+void addSizes()
+{
+    QTest::addColumn<int>("count");
+    QTest::newRow("10") << 10;
+    QTest::newRow("50") << 50;
+    QTest::newRow("200") << 200;
+}
+
+} // namespace
+
+class bench_Collisions : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void buildColumn_data() { addSizes(); }
+    void buildColumn();
+    void addBookingsOneByOne_data() { addSizes(); }
+    void addBookingsOneByOne();
+    void fullRelayoutAfterMove_data() { addSizes(); }
+    void fullRelayoutAfterMove();
+    void relayoutAfterSmallMove_data() { addSizes(); }
+    void relayoutAfterSmallMove();
+    void settledLayout_data() { addSizes(); }
+    void settledLayout();
+    void clusterSearchPerBox_data() { addSizes(); }
+    void clusterSearchPerBox();
+};
+
+// The column throws its boxes away and makes one per booking, each joining the layout as it comes.
+void bench_Collisions::buildColumn()
+{
+    QFETCH(int, count);
+    Day day(count);
+    QBENCHMARK
+    {
+        day.column->updateChildren();
+    }
+    QCOMPARE(day.items.first()->widget->colCount(), count);
+}
+
+// The host hands the day's bookings over one by one, as it answers a load request; each new box
+// joins the layout at once.
+void bench_Collisions::addBookingsOneByOne()
+{
+    QFETCH(int, count);
+    Day day(0);
+    QList<BkCalendarItem*> items;
+    QBENCHMARK
+    {
+        qDeleteAll(items);
+        items.clear();
+        for (int i = 0; i < count; ++i) {
+            auto* item = new BkCalendarItem();
+            item->setDate(day.date);
+            item->setUserId(day.resource.id);
+            const QTime start = QTime(8, 0).addSecs(i * 180);
+            item->setTime(start, start.addSecs(3600));
+            day.model.addItem(item);
+            items.append(item);
+        }
+        for (BkCalendarItem* item : qAsConst(items))
+            day.model.removeItem(item);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    qDeleteAll(items);
+}
+
+// The earliest booking leaves the cluster and comes back: every box changes its sub-column and its
+// share, so each move is a full layout of the column.
+void bench_Collisions::fullRelayoutAfterMove()
+{
+    QFETCH(int, count);
+    Day day(count);
+    BkCalendarItem* first = day.items.first();
+    bool away = false;
+    QBENCHMARK
+    {
+        if (away)
+            first->setTime(QTime(8, 0), QTime(9, 0));
+        else
+            first->setTime(QTime(19, 0), QTime(19, 30));
+        away = !away;
+    }
+    QCOMPARE(day.items.last()->widget->colCount(), away ? count - 1 : count);
+}
+
+// A drag step by one minute that keeps the order: the layout runs and every box keeps its place.
+void bench_Collisions::relayoutAfterSmallMove()
+{
+    QFETCH(int, count);
+    Day day(count);
+    BkCalendarItem* middle = day.items.at(count / 2);
+    const QTime start = middle->start();
+    bool shifted = false;
+    QBENCHMARK
+    {
+        const QTime to = shifted ? start : start.addSecs(60);
+        middle->setTime(to, to.addSecs(3600));
+        shifted = !shifted;
+    }
+    QCOMPARE(middle->widget->colCount(), count);
+}
+
+// A layout run over a settled column, as the host's refresh of a booking starts it.
+void bench_Collisions::settledLayout()
+{
+    QFETCH(int, count);
+    Day day(count);
+    QBENCHMARK
+    {
+        day.column->checkCollisions();
+    }
+    QCOMPARE(day.items.first()->widget->colIndex(), 0);
+}
+
+// For comparison: one cluster search per box, as intersectList does it, without moving anything.
+void bench_Collisions::clusterSearchPerBox()
+{
+    QFETCH(int, count);
+    Day day(count);
+    QList<BkCalendarItemWidget*> widgets;
+    for (BkCalendarItem* item : qAsConst(day.items))
+        widgets.append(item->widget);
+    int total = 0;
+    QBENCHMARK
+    {
+        total = 0;
+        for (BkCalendarItemWidget* widget : qAsConst(widgets))
+            total += widget->intersectList(widgets).size();
+    }
+    QCOMPARE(total, count * count);
+}
+
+QTEST_MAIN(bench_Collisions)
+#include "bench_collisions.moc"

@@ -1,0 +1,181 @@
+#ifndef BKCALENDARCOLUMN_H
+#define BKCALENDARCOLUMN_H
+
+#include "BkCalendarRecords.h"
+#include "FwCalendarGlobal.h"
+
+#include <QDate>
+#include <QGraphicsItem>
+#include <QList>
+#include <QObject>
+#include <QPoint>
+#include <QRectF>
+#include <QTime>
+
+class BkCalendarColorScheme;
+class BkCalendarHeader;
+class BkCalendarItem;
+class BkCalendarItemWidget;
+class BkCalendarModel;
+class BkCalendarTimeScale;
+class QPainter;
+
+// How a column reads its width value: a share of the free view width, or pixels.
+enum WidthType
+{
+    WidthProportional = 0,
+    WidthFixed = 1
+};
+
+// Item data key that tells the graphics items of the calendar scene apart.
+enum BkCalendarItemKind
+{
+    ItemKindRole = 266,
+    ItemKindColumn = 100,
+    ItemKindItemWidget = 101,
+    ItemKindInfoWidget = 102,
+    ItemKindTimeScale = 103,
+    ItemKindHeader = 104
+};
+
+// Orders bookings by their start time.
+FWCALENDAR_EXPORT bool calendarItemLessThan(BkCalendarItem* a, BkCalendarItem* b);
+
+// One vertical strip of the grid: the bookings and plan blocks of one date for one user or resource.
+// It is the graphics parent of its header and of one item widget per shown booking.
+class FWCALENDAR_EXPORT BkCalendarColumn : public QObject, public QGraphicsItem
+{
+    Q_OBJECT
+    Q_INTERFACES(QGraphicsItem)
+
+public:
+    // When a short booking box grows to the expand size.
+    enum Raise
+    {
+        RaiseOnClick = 0,
+        RaiseOnHover = 1
+    };
+    Q_ENUM(Raise)
+
+    BkCalendarColumn(QGraphicsItem* parent, bool resizable);
+    ~BkCalendarColumn() override;
+
+    QRectF boundingRect() const override;
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
+
+    void setModel(BkCalendarModel* model);
+    double setWidthScale(double scale, WidthType type, double start);
+    double widthScale() const { return mWidthScale; }
+    Raise raise() const { return mRaise; }
+    void setRaise(Raise raise);
+    QRectF moveHeader(int y);
+
+    QList<BkCalendarItem*> getItems(bool excludeReserved) const;
+    QList<BkCalendarItem*> getSortedItems() const;
+    BkCalendarItem* getSelectedItem() const;
+    void selectNextItem();
+    void selectPreviousItem();
+    bool isChildSelected();
+
+    // Collision layout: shares the column's width among overlapping boxes.
+    void checkCollisions();
+
+    // Booking rules and drag and drop.
+    bool allowBooking(QTime start, QTime end);
+    BkCalendarPlan* planAt(QTime start, QTime end);
+    bool isResourceBooked(BkCalendarItem* item);
+    bool tryToMoveItem(BkCalendarItem* item, QTime start);
+
+    // Custom column width.
+    void move(double delta);
+    void initSavedValue();
+
+    void paintLines(QPainter* painter);
+    void paintPlan(QPainter* painter);
+
+    // Readers.
+    WidthType widthType() const { return mWidthType; }
+    int minWidth() const { return mMinWidth; }
+    QList<BkCalendarPlan*> plans() const { return mPlans; }
+    QDate date() const { return mDate; }
+    BkCalendarResource resource() const { return mResource; }
+    int resourceMode() const { return mResourceMode; }
+    int index() const { return mIndex; }
+    bool customSize() const { return mCustomSize; }
+    BkCalendarHeader* header() const { return mHeader; }
+    BkCalendarModel* model() const { return mModel; }
+    BkCalendarTimeScale* timeScale() const { return mScale; }
+    BkCalendarColorScheme* colorScheme() const { return mScheme; }
+
+    // Fields the view writes directly; each setter only writes, update() applies them.
+    void setDate(const QDate& date) { mDate = date; }
+    void setIndex(int index) { mIndex = index; }
+    void setTimeScale(BkCalendarTimeScale* scale) { mScale = scale; }
+    void setColorScheme(BkCalendarColorScheme* scheme) { mScheme = scheme; }
+    void setResourceMode(int mode) { mResourceMode = mode; }
+    void setResource(const BkCalendarResource& resource) { mResource = resource; }
+
+signals:
+    void widthChanged(double width);
+    void widthChanged();
+    void dateSelected(QDate date);
+    void headerActivated(BkCalendarColumn* column, BkCalendarResource resource);
+    void itemActivated(BkCalendarItem* item);
+    void itemContextMenu(QPoint pos, BkCalendarItem* item);
+    void planActivated(BkCalendarPlan* plan, QTime time);
+    void planContextMenu(QPoint pos, BkCalendarPlan* plan, QTime time);
+
+public slots:
+    void init(double start);
+    void init();
+    void update();
+    void updateInfo();
+    void updateSize();
+    void sizeChanged(int viewWidth);
+    void updateChildren();
+    void setHeaderText(const QString& text);
+    void removeCustomSize();
+    void setMinWidth(int width);
+    void emitHeaderActivated();
+    void itemAdded(BkCalendarItem* item);
+    void planAdded(BkCalendarPlan* plan);
+
+protected:
+    void contextMenuEvent(QGraphicsSceneContextMenuEvent* event) override;
+    QVariant itemChange(QGraphicsItem::GraphicsItemChange change, const QVariant& value) override;
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent* event) override;
+    void dragEnterEvent(QGraphicsSceneDragDropEvent* event) override;
+    void dragMoveEvent(QGraphicsSceneDragDropEvent* event) override;
+    void dropEvent(QGraphicsSceneDragDropEvent* event) override;
+    void dragLeaveEvent(QGraphicsSceneDragDropEvent* event) override;
+
+private:
+    struct LayoutRun;
+    void settleLayout(LayoutRun& run);
+    bool showsSomething() const;
+    void placeGrip();
+    BkCalendarItemWidget* makeWidget(BkCalendarItem* item);
+
+    QRectF mRect;
+    BkCalendarModel* mModel;
+    BkCalendarHeader* mHeader;
+    WidthType mWidthType;
+    Raise mRaise;
+    double mWidthScale;
+    int mMinWidth;
+    QList<BkCalendarPlan*> mPlans;
+    BkCalendarTimeScale* mScale;
+    BkCalendarColorScheme* mScheme;
+    QDate mDate;
+    BkCalendarResource mResource;
+    int mResourceMode;
+    int mIndex;
+    bool mCustomSize;
+    // The layout run in progress, shared with the runs nested in it; null between runs.
+    LayoutRun* mLayoutRun;
+    // True while updateChildren replaces the boxes; it lays them out once at the end.
+    bool mHoldLayout;
+};
+
+#endif // BKCALENDARCOLUMN_H

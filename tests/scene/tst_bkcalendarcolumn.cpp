@@ -1,0 +1,758 @@
+// The day column: its structure, sizes, children, item access, selection walks and the mouse on its
+// own area.
+
+#include "BkColumnFixture.h"
+
+#include <FwTestApplication.h>
+
+#include <QGraphicsSceneMouseEvent>
+#include <QGraphicsView>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+void sendMouse(QGraphicsView& view, QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,
+               Qt::MouseButtons buttons)
+{
+    const QPoint pos = view.mapFromScene(scenePos);
+    QMouseEvent event(type, pos, view.viewport()->mapToGlobal(pos), button, buttons, Qt::NoModifier);
+    QApplication::sendEvent(view.viewport(), &event);
+}
+
+// Scene y of a time in the fixture's column: the column stands at scene y 25.
+double sceneY(const QTime& time)
+{
+    return 25.0 + 50.0 + QTime(6, 0).secsTo(time) / 60.0 * 1.5;
+}
+
+} // namespace
+
+class tst_BkCalendarColumn : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void shouldBuildWithHeaderAndDefaults();
+    void shouldHandResizableToHeader();
+    void shouldShowNothingWithoutValidKey_data();
+    void shouldShowNothingWithoutValidKey();
+    void shouldPlaceByIndexAtInit();
+    void shouldPlaceAtGivenStartAtInit();
+    void shouldDoNothingWithoutScale();
+    void shouldShareViewWidthWhenProportional();
+    void shouldTakePixelsWhenFixed();
+    void shouldTakeNewScaleUnlessCustom();
+    void shouldKeepCustomScaleOfResizableColumn();
+    void shouldTakeNewScaleWhenNotResizableThoughCustom();
+    void shouldClampManualResizeToMinimum();
+    void shouldMoveHeaderAndReturnArea();
+    void shouldHandItsStateToHeaderAtUpdate();
+    void shouldLayPlansIntoRectangles();
+    void shouldTruncatePlanGeometry();
+    void shouldFollowMatchingPlansOnly();
+    void shouldFollowChangedAndRemovedPlans();
+    void shouldMakeBoxesForShownBookings();
+    void shouldWireEachNewBox();
+    void shouldIgnoreBookingsOfOtherDateOrKey();
+    void shouldGiveOutOfScaleBookingBoxUntilRebuild();
+    void shouldMoveBoxWhenBookingChanges();
+    void shouldDropBoxWhenBookingIsRemoved();
+    void shouldNeverReuseBoxes();
+    void shouldTellDateWhenSelected();
+    void shouldListItemsWithOrWithoutReserved();
+    void shouldFindSelectedItem();
+    void shouldTellWhetherChildIsSelected();
+    void shouldWalkForwardThroughSortedItems();
+    void shouldWalkBackwardThroughSortedItems();
+    void shouldNotWalkWhenOnlyReservedItems();
+    void shouldKeepBoxlessItemsOutOfWalks();
+    void shouldActivatePlanOnDoubleClickOfBookableBlock();
+    void shouldOfferPlanMenuOnContextMenuOfBookableBlock();
+    void shouldOfferPlanMenuOnRightReleaseOfAnyBlock();
+    void shouldFindPlanAtTime();
+    void shouldForwardHeaderActivation();
+    void shouldSetHeaderText();
+    void shouldKeepRaiseSetting();
+};
+
+void tst_BkCalendarColumn::initTestCase()
+{
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    qRegisterMetaType<BkCalendarPlan*>();
+    qRegisterMetaType<BkCalendarItem*>();
+    qRegisterMetaType<BkCalendarResource>();
+}
+
+void tst_BkCalendarColumn::shouldBuildWithHeaderAndDefaults()
+{
+    BkCalendarColumn column(nullptr, false);
+    QCOMPARE(column.flags(), QGraphicsItem::GraphicsItemFlags(QGraphicsItem::ItemIsSelectable));
+    QVERIFY(column.acceptDrops());
+    QCOMPARE(column.data(ItemKindRole).toInt(), 100);
+    QCOMPARE(column.boundingRect(), QRectF(0, 0, 100, 100));
+    QVERIFY(column.header());
+    QCOMPARE(column.header()->parentItem(), &column);
+    QCOMPARE(column.childItems().size(), 1);
+    QVERIFY(!column.model());
+    QCOMPARE(column.widthType(), WidthProportional);
+    QCOMPARE(column.raise(), BkCalendarColumn::RaiseOnClick);
+    QCOMPARE(column.widthScale(), 1.0);
+    QCOMPARE(column.minWidth(), 100);
+    QVERIFY(column.plans().isEmpty());
+    QVERIFY(!column.timeScale());
+    QVERIFY(!column.colorScheme());
+    QCOMPARE(column.date(), QDate::currentDate());
+    QVERIFY(column.resource().id.isNull());
+    QVERIFY(column.resource().name.isEmpty());
+    QCOMPARE(column.resource().type, 0);
+    QCOMPARE(column.resourceMode(), 0);
+    QCOMPARE(column.index(), 0);
+    QVERIFY(!column.customSize());
+}
+
+void tst_BkCalendarColumn::shouldHandResizableToHeader()
+{
+    BkCalendarColumn day(nullptr, false);
+    BkCalendarColumn group(nullptr, true);
+    QVERIFY(!day.header()->resizable());
+    QVERIFY(group.header()->resizable());
+}
+
+void tst_BkCalendarColumn::shouldShowNothingWithoutValidKey_data()
+{
+    QTest::addColumn<QVariant>("id");
+    QTest::addColumn<QDate>("date");
+    QTest::newRow("null id") << QVariant() << QDate(2024, 3, 11);
+    QTest::newRow("id -1") << QVariant(-1) << QDate(2024, 3, 11);
+    QTest::newRow("invalid date") << QVariant(1) << QDate();
+}
+
+void tst_BkCalendarColumn::shouldShowNothingWithoutValidKey()
+{
+    QFETCH(QVariant, id);
+    QFETCH(QDate, date);
+    const BkCalendarResource key(id, "Nobody", 0);
+    BkColumnFixture fixture;
+    // A booking and a plan filed under exactly this key and date, so only the key's validity decides.
+    auto* item = new BkCalendarItem();
+    item->setDate(date);
+    item->setUserId(id);
+    item->setTime(QTime(9, 0), QTime(10, 0));
+    fixture.model.addItem(item);
+    auto* plan = new BkCalendarPlan();
+    plan->date = date;
+    plan->start = QTime(8, 0);
+    plan->end = QTime(12, 0);
+    plan->resource = key;
+    fixture.model.addItem(plan);
+
+    auto* column = new BkCalendarColumn(nullptr, false);
+    fixture.scene.addItem(column);
+    column->setTimeScale(fixture.scale);
+    column->init(-1.0);
+    column->setColorScheme(&fixture.scheme);
+    column->setModel(&fixture.model);
+    column->setDate(date);
+    column->update();
+    column->setResource(key);
+    column->update();
+    QCOMPARE(column->childItems().size(), 1);
+    QCOMPARE(column->childItems().first(), column->header());
+    QVERIFY(column->plans().isEmpty());
+    QVERIFY(!item->widget);
+}
+
+void tst_BkCalendarColumn::shouldPlaceByIndexAtInit()
+{
+    BkColumnFixture fixture;
+    fixture.column->setIndex(3);
+    fixture.column->setWidthScale(120.0, WidthFixed, -1.0);
+    QCOMPARE(fixture.column->pos(), QPointF(50.0 + 360.0, 25.0));
+    QCOMPARE(fixture.column->boundingRect(), QRectF(0, 0, 120, 840 * 1.5 + 50));
+    QCOMPARE(fixture.column->header()->grip(), QRectF(105, 5, 10, 10));
+
+    fixture.column->init();
+    QCOMPARE(fixture.column->pos(), QPointF(410.0, 25.0));
+}
+
+void tst_BkCalendarColumn::shouldPlaceAtGivenStartAtInit()
+{
+    BkColumnFixture fixture;
+    fixture.column->setIndex(3);
+    fixture.column->init(77.0);
+    QCOMPARE(fixture.column->pos(), QPointF(127.0, 25.0));
+}
+
+void tst_BkCalendarColumn::shouldDoNothingWithoutScale()
+{
+    BkCalendarColumn column(nullptr, false);
+    QSignalSpy widths(&column, qOverload<double>(&BkCalendarColumn::widthChanged));
+    column.init(10.0);
+    column.updateSize();
+    column.sizeChanged(1000);
+    QCOMPARE(column.pos(), QPointF(0, 0));
+    QCOMPARE(column.boundingRect(), QRectF(0, 0, 100, 100));
+    QCOMPARE(widths.count(), 0);
+    column.updateInfo(); // no model either
+    QVERIFY(column.plans().isEmpty());
+}
+
+void tst_BkCalendarColumn::shouldShareViewWidthWhenProportional()
+{
+    BkColumnFixture fixture;
+    fixture.column->setWidthScale(0.2, WidthProportional, -1.0);
+    fixture.column->setIndex(2);
+    QSignalSpy widths(fixture.column, qOverload<double>(&BkCalendarColumn::widthChanged));
+    fixture.column->sizeChanged(1051);
+    QCOMPARE(fixture.column->boundingRect().width(), 200.0);
+    QCOMPARE(fixture.column->pos(), QPointF(2 * 200.0 + 50.0, 25.0));
+    QCOMPARE(fixture.column->header()->grip(), QRectF(185, 5, 10, 10));
+    QCOMPARE(widths.count(), 1);
+    QCOMPARE(widths.first().first().toDouble(), 200.0);
+}
+
+void tst_BkCalendarColumn::shouldTakePixelsWhenFixed()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    fixture.column->setWidthScale(150.0, WidthFixed, -1.0);
+    fixture.column->sizeChanged(1051);
+    QCOMPARE(fixture.column->boundingRect().width(), 150.0);
+    // The boxes follow the column's width.
+    QCOMPARE(item->widget->columnRect().width(), 145.0);
+    QCOMPARE(item->widget->boundingRect().width(), 145.0);
+}
+
+void tst_BkCalendarColumn::shouldTakeNewScaleUnlessCustom()
+{
+    BkColumnFixture fixture;
+    QSignalSpy widths(fixture.column, qOverload<double>(&BkCalendarColumn::widthChanged));
+    QCOMPARE(fixture.column->setWidthScale(0.5, WidthProportional, -1.0), 0.5);
+    QCOMPARE(fixture.column->widthScale(), 0.5);
+    QCOMPARE(fixture.column->widthType(), WidthProportional);
+    QCOMPARE(widths.count(), 1);
+}
+
+void tst_BkCalendarColumn::shouldKeepCustomScaleOfResizableColumn()
+{
+    BkColumnFixture fixture(true, 200.0);
+    fixture.column->setIndex(1);
+    fixture.column->move(40.0);
+    QVERIFY(fixture.column->customSize());
+    QCOMPARE(fixture.column->widthScale(), 240.0);
+
+    QSignalSpy widths(fixture.column, qOverload<double>(&BkCalendarColumn::widthChanged));
+    QCOMPARE(fixture.column->setWidthScale(0.5, WidthProportional, -1.0), 240.0);
+    QCOMPARE(fixture.column->widthScale(), 240.0);
+    QCOMPARE(fixture.column->widthType(), WidthFixed);
+    // Still placed, and still announced.
+    QCOMPARE(fixture.column->pos(), QPointF(50.0 + 240.0, 25.0));
+    QCOMPARE(widths.count(), 1);
+    QCOMPARE(widths.first().first().toDouble(), 240.0);
+}
+
+void tst_BkCalendarColumn::shouldTakeNewScaleWhenNotResizableThoughCustom()
+{
+    BkColumnFixture fixture(false, 200.0);
+    fixture.column->move(40.0);
+    QVERIFY(fixture.column->customSize());
+    QCOMPARE(fixture.column->setWidthScale(130.0, WidthFixed, -1.0), 130.0);
+    QCOMPARE(fixture.column->boundingRect().width(), 130.0);
+}
+
+void tst_BkCalendarColumn::shouldClampManualResizeToMinimum()
+{
+    BkColumnFixture fixture(true, 200.0);
+    fixture.column->setMinWidth(120);
+    QSignalSpy widths(fixture.column, qOverload<double>(&BkCalendarColumn::widthChanged));
+    QSignalSpy relayout(fixture.column, qOverload<>(&BkCalendarColumn::widthChanged));
+    fixture.column->move(-1000.0);
+    QCOMPARE(fixture.column->widthScale(), 120.0);
+    QCOMPARE(fixture.column->boundingRect().width(), 120.0);
+    QVERIFY(fixture.column->customSize());
+    QCOMPARE(widths.count(), 1);
+    QCOMPARE(relayout.count(), 1);
+}
+
+void tst_BkCalendarColumn::shouldMoveHeaderAndReturnArea()
+{
+    BkColumnFixture fixture;
+    BkCalendarHeader* header = fixture.column->header();
+    const QRectF before = header->sceneBoundingRect();
+    const QRectF area = fixture.column->moveHeader(300);
+    QCOMPARE(header->pos(), QPointF(0, 300));
+    QCOMPARE(area, before.united(header->sceneBoundingRect()));
+    QCOMPARE(area.top(), 25.0);
+    QCOMPARE(area.bottom(), 25.0 + 300.0 + 20.0);
+
+    fixture.column->moveHeader(-40);
+    QCOMPARE(header->pos(), QPointF(0, 0));
+}
+
+void tst_BkCalendarColumn::shouldHandItsStateToHeaderAtUpdate()
+{
+    BkColumnFixture fixture;
+    BkCalendarHeader* header = fixture.column->header();
+    fixture.column->setResourceMode(1);
+    fixture.column->setResource(BkCalendarResource(7, "Room", 1));
+    fixture.column->update();
+    QCOMPARE(header->column(), fixture.column);
+    QCOMPARE(header->date, fixture.date);
+    QVERIFY(header->resourceMode());
+    QCOMPARE(header->colorScheme(), &fixture.scheme);
+    QCOMPARE(header->resource.id.toInt(), 7);
+    QCOMPARE(header->resource.type, 1);
+    QCOMPARE(header->boundingRect().width(), 205.0);
+}
+
+void tst_BkCalendarColumn::shouldLayPlansIntoRectangles()
+{
+    BkColumnFixture fixture;
+    BkCalendarPlan* plan = fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
+    QCOMPARE(fixture.column->plans().size(), 1);
+    QCOMPARE(plan->rect, QRectF(1.0, 120 * 1.5 + 50, 204, 240 * 1.5));
+}
+
+void tst_BkCalendarColumn::shouldTruncatePlanGeometry()
+{
+    BkColumnFixture fixture(false, 205.5);
+    fixture.scale->setMinuteHeight(1.3f);
+    // 127 minutes from 06:00, 53 minutes long: 215.1 and 68.9 are cut to whole units.
+    BkCalendarPlan* plan = fixture.addPlan(QTime(8, 7, 40), QTime(9, 0, 59), true);
+    QCOMPARE(plan->rect, QRectF(1.0, 215, 204, 68));
+}
+
+void tst_BkCalendarColumn::shouldFollowMatchingPlansOnly()
+{
+    BkColumnFixture fixture;
+    // A plan that arrives without a signal shows only at the next refresh.
+    fixture.model.blockSignals(true);
+    fixture.addPlan(QTime(8, 0), QTime(9, 0), true);
+    fixture.model.blockSignals(false);
+    QCOMPARE(fixture.column->plans().size(), 0);
+
+    auto* other = new BkCalendarPlan();
+    other->date = fixture.date.addDays(1);
+    other->start = QTime(8, 0);
+    other->end = QTime(9, 0);
+    other->resource = fixture.resource;
+    fixture.model.addItem(other);
+    QCOMPARE(fixture.column->plans().size(), 0);
+
+    auto* resourcePlan = new BkCalendarPlan();
+    resourcePlan->date = fixture.date;
+    resourcePlan->start = QTime(8, 0);
+    resourcePlan->end = QTime(9, 0);
+    resourcePlan->resource = BkCalendarResource(1, QString(), 1); // resource 1, not user 1
+    fixture.model.addItem(resourcePlan);
+    QCOMPARE(fixture.column->plans().size(), 0);
+
+    fixture.addPlan(QTime(10, 0), QTime(11, 0), false);
+    QCOMPARE(fixture.column->plans().size(), 2);
+}
+
+void tst_BkCalendarColumn::shouldFollowChangedAndRemovedPlans()
+{
+    BkColumnFixture fixture;
+    BkCalendarPlan* plan = fixture.addPlan(QTime(8, 0), QTime(9, 0), true);
+    plan->start = QTime(7, 0);
+    emit fixture.model.planChanged(plan);
+    QCOMPARE(plan->rect.y(), 60 * 1.5 + 50);
+
+    fixture.model.removeItem(plan);
+    QVERIFY(fixture.column->plans().isEmpty());
+    delete plan;
+}
+
+void tst_BkCalendarColumn::shouldMakeBoxesForShownBookings()
+{
+    BkColumnFixture fixture;
+    fixture.model.blockSignals(true);
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* b = fixture.addItem(QTime(5, 0), QTime(5, 30), 2);  // before the scale
+    BkCalendarItem* c = fixture.addItem(QTime(5, 30), QTime(6, 30), 3); // reaches into it
+    fixture.model.blockSignals(false);
+    QVERIFY(!a->widget);
+
+    fixture.column->updateChildren();
+    QCOMPARE(fixture.widgets().size(), 2);
+    QVERIFY(a->widget);
+    QVERIFY(!b->widget);
+    QVERIFY(c->widget);
+    QCOMPARE(a->widget->parentItem(), fixture.column);
+    QCOMPARE(a->widget->pos(), QPointF(0, 320));
+    QCOMPARE(a->widget->boundingRect(), QRectF(0, 0, 200, 90));
+}
+
+void tst_BkCalendarColumn::shouldWireEachNewBox()
+{
+    BkColumnFixture fixture;
+    fixture.scheme.statusColors.insert(3, BkCalendarStatusEntry());
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItemWidget* widget = item->widget;
+    QVERIFY(widget);
+    QCOMPARE(widget->data(0).toInt(), 0);
+    QCOMPARE(widget->data(ItemKindRole).toInt(), 101);
+    QCOMPARE(widget->colorScheme(), &fixture.scheme);
+    QCOMPARE(widget->timeScale(), fixture.scale);
+    QCOMPARE(widget->column(), fixture.column);
+    QCOMPARE(widget->columnRect().width(), 200.0);
+
+    QSignalSpy activated(fixture.column, &BkCalendarColumn::itemActivated);
+    QSignalSpy menu(fixture.column, &BkCalendarColumn::itemContextMenu);
+    emit widget->itemActivated(item);
+    emit widget->itemContextMenu(QPoint(3, 4), item);
+    QCOMPARE(activated.count(), 1);
+    QCOMPARE(activated.first().first().value<BkCalendarItem*>(), item);
+    QCOMPARE(menu.count(), 1);
+    QCOMPARE(menu.first().first().toPoint(), QPoint(3, 4));
+
+    fixture.column->setWidthScale(305.0, WidthFixed, -1.0);
+    QCOMPARE(widget->columnRect().width(), 300.0);
+    QCOMPARE(widget->boundingRect().width(), 300.0);
+}
+
+void tst_BkCalendarColumn::shouldIgnoreBookingsOfOtherDateOrKey()
+{
+    BkColumnFixture fixture;
+    auto* tomorrow = new BkCalendarItem();
+    tomorrow->setDate(fixture.date.addDays(1));
+    tomorrow->setUserId(1);
+    tomorrow->setTime(QTime(9, 0), QTime(10, 0));
+    fixture.model.addItem(tomorrow);
+
+    auto* otherUser = new BkCalendarItem();
+    otherUser->setDate(fixture.date);
+    otherUser->setUserId(2);
+    otherUser->setTime(QTime(9, 0), QTime(10, 0));
+    fixture.model.addItem(otherUser);
+
+    auto* resourceOne = new BkCalendarItem();
+    resourceOne->setDate(fixture.date);
+    resourceOne->setResourceId(1);
+    resourceOne->setTime(QTime(9, 0), QTime(10, 0));
+    fixture.model.addItem(resourceOne);
+
+    QVERIFY(fixture.widgets().isEmpty());
+    QVERIFY(!tomorrow->widget);
+    QVERIFY(!otherUser->widget);
+    QVERIFY(!resourceOne->widget);
+}
+
+void tst_BkCalendarColumn::shouldGiveOutOfScaleBookingBoxUntilRebuild()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* early = fixture.addItem(QTime(4, 0), QTime(5, 0), 1);
+    QVERIFY(early->widget);
+    QCOMPARE(fixture.widgets().size(), 1);
+
+    fixture.column->updateChildren();
+    QVERIFY(!early->widget);
+    QVERIFY(fixture.widgets().isEmpty());
+}
+
+void tst_BkCalendarColumn::shouldMoveBoxWhenBookingChanges()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    item->setTime(QTime(11, 0), QTime(11, 45));
+    QCOMPARE(item->widget->pos(), QPointF(0, 500));
+    QCOMPARE(item->widget->boundingRect().height(), 67.5);
+}
+
+void tst_BkCalendarColumn::shouldDropBoxWhenBookingIsRemoved()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    QPointer<BkCalendarItemWidget> widget = item->widget;
+    fixture.model.removeItem(item);
+    QVERIFY(!item->widget);
+    QVERIFY(widget);
+    QVERIFY(!widget->item());
+    BkColumnFixture::flushDeletes();
+    QVERIFY(!widget);
+    QVERIFY(fixture.widgets().isEmpty());
+    delete item;
+}
+
+void tst_BkCalendarColumn::shouldNeverReuseBoxes()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    QPointer<BkCalendarItemWidget> first = item->widget;
+    fixture.column->update();
+    QVERIFY(!first);
+    QVERIFY(item->widget);
+    QCOMPARE(fixture.widgets().size(), 1);
+    QCOMPARE(fixture.column->childItems().size(), 2); // the header stays
+}
+
+void tst_BkCalendarColumn::shouldTellDateWhenSelected()
+{
+    BkColumnFixture fixture;
+    QSignalSpy selected(fixture.column, &BkCalendarColumn::dateSelected);
+    fixture.column->setSelected(true);
+    QCOMPARE(selected.count(), 1);
+    QCOMPARE(selected.first().first().toDate(), fixture.date);
+    fixture.column->setSelected(false);
+    QCOMPARE(selected.count(), 1);
+}
+
+void tst_BkCalendarColumn::shouldListItemsWithOrWithoutReserved()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* late = fixture.addItem(QTime(14, 0), QTime(15, 0), 1);
+    BkCalendarItem* reserved = fixture.addItem(QTime(8, 0), QTime(9, 0), 2, BkCalendarItem::Reserved);
+    BkCalendarItem* early = fixture.addItem(QTime(9, 0), QTime(10, 0), 3);
+    QCOMPARE(fixture.column->getItems(false), (QList<BkCalendarItem*>{late, reserved, early}));
+    QCOMPARE(fixture.column->getItems(true), (QList<BkCalendarItem*>{late, early}));
+    QCOMPARE(fixture.column->getSortedItems(), (QList<BkCalendarItem*>{early, late}));
+}
+
+void tst_BkCalendarColumn::shouldFindSelectedItem()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* reserved = fixture.addItem(QTime(11, 0), QTime(12, 0), 2, BkCalendarItem::Reserved);
+    QVERIFY(!fixture.column->getSelectedItem());
+    reserved->widget->setSelected(true);
+    QVERIFY(!fixture.column->getSelectedItem());
+    a->widget->setSelected(true);
+    QCOMPARE(fixture.column->getSelectedItem(), a);
+}
+
+void tst_BkCalendarColumn::shouldTellWhetherChildIsSelected()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    QVERIFY(!fixture.column->isChildSelected());
+    fixture.column->header()->QGraphicsItem::setSelected(true);
+    QVERIFY(fixture.column->header()->isSelected());
+    QVERIFY(!fixture.column->isChildSelected());
+    a->widget->setSelected(true);
+    QVERIFY(fixture.column->isChildSelected());
+}
+
+void tst_BkCalendarColumn::shouldWalkForwardThroughSortedItems()
+{
+    BkColumnFixture fixture;
+    QGraphicsView view(&fixture.scene);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowActive(&view));
+    BkCalendarItem* late = fixture.addItem(QTime(14, 0), QTime(15, 0), 1);
+    BkCalendarItem* early = fixture.addItem(QTime(9, 0), QTime(10, 0), 2);
+    fixture.addItem(QTime(11, 0), QTime(12, 0), 3, BkCalendarItem::Reserved);
+
+    fixture.column->selectNextItem();
+    QVERIFY(early->widget->isSelected());
+    QVERIFY(early->widget->hasFocus());
+    fixture.column->selectNextItem();
+    QVERIFY(!early->widget->isSelected());
+    QVERIFY(late->widget->isSelected());
+    QVERIFY(late->widget->hasFocus());
+    fixture.column->selectNextItem(); // from the last, round to the first
+    QVERIFY(early->widget->isSelected());
+    QVERIFY(!late->widget->isSelected());
+}
+
+void tst_BkCalendarColumn::shouldWalkBackwardThroughSortedItems()
+{
+    BkColumnFixture fixture;
+    QGraphicsView view(&fixture.scene);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowActive(&view));
+    BkCalendarItem* late = fixture.addItem(QTime(14, 0), QTime(15, 0), 1);
+    BkCalendarItem* early = fixture.addItem(QTime(9, 0), QTime(10, 0), 2);
+
+    fixture.column->selectPreviousItem(); // none selected: the last
+    QVERIFY(late->widget->isSelected());
+    QVERIFY(late->widget->hasFocus());
+    fixture.column->selectPreviousItem();
+    QVERIFY(early->widget->isSelected());
+    QVERIFY(!late->widget->isSelected());
+    fixture.column->selectPreviousItem(); // from the first, round to the last
+    QVERIFY(late->widget->isSelected());
+    QVERIFY(!early->widget->isSelected());
+}
+
+void tst_BkCalendarColumn::shouldNotWalkWhenOnlyReservedItems()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* reserved = fixture.addItem(QTime(9, 0), QTime(10, 0), 1, BkCalendarItem::Reserved);
+    fixture.column->selectNextItem();
+    fixture.column->selectPreviousItem();
+    QVERIFY(!reserved->widget->isSelected());
+    QVERIFY(fixture.scene.selectedItems().isEmpty());
+}
+
+void tst_BkCalendarColumn::shouldKeepBoxlessItemsOutOfWalks()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* inside = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* outside = fixture.addItem(QTime(4, 0), QTime(5, 0), 2);
+    fixture.column->updateChildren(); // the early booking loses its box
+    QVERIFY(!outside->widget);
+
+    fixture.column->selectNextItem();
+    QVERIFY(inside->widget->isSelected());
+    fixture.column->selectNextItem();
+    QVERIFY(inside->widget->isSelected());
+    fixture.column->selectPreviousItem();
+    QVERIFY(inside->widget->isSelected());
+    QCOMPARE(fixture.column->getSelectedItem(), inside);
+
+    BkColumnFixture alone;
+    BkCalendarItem* only = alone.addItem(QTime(4, 0), QTime(5, 0), 1);
+    alone.column->updateChildren();
+    QVERIFY(!only->widget);
+    alone.column->selectNextItem();
+    alone.column->selectPreviousItem();
+    QVERIFY(!alone.column->getSelectedItem());
+}
+
+void tst_BkCalendarColumn::shouldActivatePlanOnDoubleClickOfBookableBlock()
+{
+    BkColumnFixture fixture;
+    BkCalendarPlan* open = fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
+    fixture.addPlan(QTime(13, 0), QTime(16, 0), false);
+    QGraphicsView view(&fixture.scene);
+    view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    view.resize(400, 1400);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QSignalSpy activated(fixture.column, &BkCalendarColumn::planActivated);
+
+    const QPointF inOpen(150, sceneY(QTime(10, 0)));
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, view.mapFromScene(inOpen));
+    QCOMPARE(activated.count(), 1);
+    QCOMPARE(activated.first().at(0).value<BkCalendarPlan*>(), open);
+    const double itemY = fixture.column->mapFromScene(view.mapToScene(view.mapFromScene(inOpen))).y();
+    QCOMPARE(activated.first().at(1).toTime(), fixture.scale->timeAt(itemY));
+    QCOMPARE(activated.first().at(1).toTime(), QTime(10, 0));
+
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::NoModifier,
+                       view.mapFromScene(QPointF(150, sceneY(QTime(14, 0)))));
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::NoModifier,
+                       view.mapFromScene(QPointF(150, sceneY(QTime(17, 0)))));
+    QCOMPARE(activated.count(), 1);
+}
+
+void tst_BkCalendarColumn::shouldOfferPlanMenuOnContextMenuOfBookableBlock()
+{
+    BkColumnFixture fixture;
+    BkCalendarPlan* open = fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
+    fixture.addPlan(QTime(13, 0), QTime(16, 0), false);
+    QGraphicsView view(&fixture.scene);
+    view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    view.resize(400, 1400);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QSignalSpy menu(fixture.column, &BkCalendarColumn::planContextMenu);
+
+    const QPoint pos = view.mapFromScene(QPointF(150, sceneY(QTime(9, 30))));
+    QContextMenuEvent event(QContextMenuEvent::Mouse, pos, view.viewport()->mapToGlobal(pos));
+    QApplication::sendEvent(view.viewport(), &event);
+    QVERIFY(event.isAccepted());
+    QCOMPARE(menu.count(), 1);
+    QCOMPARE(menu.first().at(0).toPoint(), view.viewport()->mapToGlobal(pos));
+    QCOMPARE(menu.first().at(1).value<BkCalendarPlan*>(), open);
+    QCOMPARE(menu.first().at(2).toTime(), QTime(9, 30));
+
+    const QPoint closedPos = view.mapFromScene(QPointF(150, sceneY(QTime(14, 0))));
+    QContextMenuEvent closed(QContextMenuEvent::Mouse, closedPos, view.viewport()->mapToGlobal(closedPos));
+    QApplication::sendEvent(view.viewport(), &closed);
+    QVERIFY(closed.isAccepted());
+    QCOMPARE(menu.count(), 1);
+}
+
+void tst_BkCalendarColumn::shouldOfferPlanMenuOnRightReleaseOfAnyBlock()
+{
+    BkColumnFixture fixture;
+    fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
+    BkCalendarPlan* closed = fixture.addPlan(QTime(13, 0), QTime(16, 0), false);
+    QGraphicsView view(&fixture.scene);
+    view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    view.resize(400, 1400);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QSignalSpy menu(fixture.column, &BkCalendarColumn::planContextMenu);
+
+    // The column holds the mouse while the left button is down; a right click then reaches it.
+    const QPointF at(150, sceneY(QTime(14, 0)));
+    sendMouse(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
+    sendMouse(view, QEvent::MouseButtonPress, at, Qt::RightButton, Qt::LeftButton | Qt::RightButton);
+    sendMouse(view, QEvent::MouseButtonRelease, at, Qt::RightButton, Qt::LeftButton);
+    QCOMPARE(menu.count(), 1);
+    QCOMPARE(menu.first().at(1).value<BkCalendarPlan*>(), closed);
+    QCOMPARE(menu.first().at(2).toTime(), QTime(14, 0));
+    sendMouse(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
+    QCOMPARE(menu.count(), 1); // the left release offers nothing
+
+    // Delivered straight to the column, as the scene does for its mouse grabber.
+    QGraphicsSceneMouseEvent release(QEvent::GraphicsSceneMouseRelease);
+    release.setButton(Qt::RightButton);
+    release.setPos(QPointF(10, sceneY(QTime(15, 0)) - 25.0));
+    release.setScreenPos(QPoint(5, 6));
+    fixture.scene.sendEvent(fixture.column, &release);
+    QCOMPARE(menu.count(), 2);
+    QCOMPARE(menu.last().at(0).toPoint(), QPoint(5, 6));
+    QCOMPARE(menu.last().at(2).toTime(), QTime(15, 0));
+
+    // Outside every block nothing is offered.
+    release.setPos(QPointF(10, sceneY(QTime(17, 0)) - 25.0));
+    fixture.scene.sendEvent(fixture.column, &release);
+    QCOMPARE(menu.count(), 2);
+}
+
+void tst_BkCalendarColumn::shouldFindPlanAtTime()
+{
+    BkColumnFixture fixture;
+    BkCalendarPlan* morning = fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
+    BkCalendarPlan* closed = fixture.addPlan(QTime(12, 0), QTime(16, 0), false);
+    BkCalendarColumn* column = fixture.column;
+    QCOMPARE(column->planAt(QTime(9, 0), QTime()), morning);
+    QCOMPARE(column->planAt(QTime(12, 0), QTime()), morning); // the first that holds it
+    QCOMPARE(column->planAt(QTime(13, 0), QTime(14, 0)), closed);
+    QCOMPARE(column->planAt(QTime(11, 0), QTime(13, 0)), nullptr);
+    QCOMPARE(column->planAt(QTime(7, 0), QTime()), nullptr);
+    QCOMPARE(column->planAt(QTime(), QTime(9, 0)), nullptr);
+    QCOMPARE(column->planAt(QTime(10, 0), QTime(9, 0)), nullptr);
+    QCOMPARE(column->planAt(QTime(8, 0), QTime(12, 0)), morning);
+
+    BkColumnFixture empty;
+    QCOMPARE(empty.column->planAt(QTime(9, 0), QTime()), nullptr);
+}
+
+void tst_BkCalendarColumn::shouldForwardHeaderActivation()
+{
+    BkColumnFixture fixture;
+    QSignalSpy activated(fixture.column, &BkCalendarColumn::headerActivated);
+    fixture.column->emitHeaderActivated();
+    QCOMPARE(activated.count(), 1);
+    QCOMPARE(activated.first().at(0).value<BkCalendarColumn*>(), fixture.column);
+    QCOMPARE(activated.first().at(1).value<BkCalendarResource>().id.toInt(), 1);
+}
+
+void tst_BkCalendarColumn::shouldSetHeaderText()
+{
+    BkColumnFixture fixture;
+    fixture.column->setHeaderText("Room 4");
+    QCOMPARE(fixture.column->header()->text(), QString("Room 4"));
+}
+
+void tst_BkCalendarColumn::shouldKeepRaiseSetting()
+{
+    BkCalendarColumn column(nullptr, false);
+    column.setRaise(BkCalendarColumn::RaiseOnHover);
+    QCOMPARE(column.raise(), BkCalendarColumn::RaiseOnHover);
+    QCOMPARE(int(BkCalendarColumn::RaiseOnClick), 0);
+    QCOMPARE(int(BkCalendarColumn::RaiseOnHover), 1);
+    QCOMPARE(int(WidthProportional), 0);
+    QCOMPARE(int(WidthFixed), 1);
+}
+
+FW_TEST_MAIN(tst_BkCalendarColumn)
+#include "tst_bkcalendarcolumn.moc"

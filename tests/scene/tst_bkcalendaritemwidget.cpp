@@ -1,0 +1,417 @@
+// The box of one booking: construction, geometry from the booking's time, colours, the answers to
+// the model's signals and the rule that the time decides where the box stands.
+
+#include "BkColumnFixture.h"
+
+#include <FwTestApplication.h>
+
+#include <QGraphicsRectItem>
+#include <QPainter>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QStyleOptionGraphicsItem>
+#include <QtTest>
+
+class tst_BkCalendarItemWidget : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void shouldBuildWithFlagsKindAndDefaults();
+    void shouldPointAtItsBookingBothWays();
+    void shouldShowToolTipOnlyWhenSettingIsOne_data();
+    void shouldShowToolTipOnlyWhenSettingIsOne();
+    void shouldTakeGeometryFromBookingTime();
+    void shouldShareColumnWidthBySubColumn();
+    void shouldFillWithStatusColourWhenSchemeKnowsIt();
+    void shouldKeepOwnColoursForUnknownOrNullStatus_data();
+    void shouldKeepOwnColoursForUnknownOrNullStatus();
+    void shouldCopyGradientForSelectionWithoutScheme();
+    void shouldDeriveBorderFromBottomColour();
+    void shouldIgnoreChangesOfOtherBookings();
+    void shouldForgetBookingWhenRemovedAndRefuseEveryChange();
+    void shouldIgnoreRemovalOfOtherBooking();
+    void shouldRefusePositionThatTimeDoesNotGive();
+    void shouldLetReservedBoxGoWhereProposed();
+    void shouldRewireWidthWhenReparented();
+    void shouldLayOutColumnWhenUpdated();
+    void shouldLeaveBookingWhenDeleted();
+    void shouldSurviveItsBooking();
+    void shouldDoNothingWithoutScale();
+};
+
+void tst_BkCalendarItemWidget::init()
+{
+    FwApplication::app()->setValue(QVariant(0), "set_showtooltips");
+}
+
+void tst_BkCalendarItemWidget::shouldBuildWithFlagsKindAndDefaults()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem item;
+    item.setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItemWidget widget(&item, fixture.scale, nullptr);
+    QCOMPARE(widget.type(), 65537);
+    QCOMPARE(int(BkCalendarItemWidget::Type), int(QGraphicsItem::UserType) + 1);
+    QCOMPARE(widget.flags(), QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable |
+                                 QGraphicsItem::ItemIsFocusable | QGraphicsItem::ItemSendsGeometryChanges |
+                                 QGraphicsItem::ItemSendsScenePositionChanges);
+    QVERIFY(widget.acceptHoverEvents());
+    QCOMPARE(widget.data(ItemKindRole).toInt(), 101);
+    QCOMPARE(widget.data(0).toInt(), 1);
+    QVERIFY(!widget.parentItem());
+    QVERIFY(!widget.column());
+    QVERIFY(!widget.colorScheme());
+    QCOMPARE(widget.timeScale(), fixture.scale);
+    QVERIFY(!widget.moved());
+    QVERIFY(!widget.expanded());
+    QVERIFY(!widget.deleting());
+    QCOMPARE(widget.pressPos(), QPointF(0, 0));
+    QCOMPARE(widget.savedRect(), QRectF(0, 0, 0, 0));
+    QCOMPARE(widget.columnRect(), QRectF(0, 0, 100, 100));
+    // No layout has run: sub-column 1 of 1 stands one share to the right.
+    QCOMPARE(widget.colIndex(), 1);
+    QCOMPARE(widget.colCount(), 1);
+    QCOMPARE(widget.boxX(), 100.0);
+    QCOMPARE(widget.pos(), QPointF(100.0, 320.0));
+}
+
+void tst_BkCalendarItemWidget::shouldPointAtItsBookingBothWays()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    QVERIFY(item->widget);
+    QCOMPARE(item->widget->item(), item);
+    QCOMPARE(item->widget->parentItem(), fixture.column);
+    QCOMPARE(item->widget->column(), fixture.column);
+    QCOMPARE(item->widget->colIndex(), 0);
+}
+
+void tst_BkCalendarItemWidget::shouldShowToolTipOnlyWhenSettingIsOne_data()
+{
+    QTest::addColumn<int>("setting");
+    QTest::addColumn<bool>("shown");
+    QTest::newRow("on") << 1 << true;
+    QTest::newRow("off") << 0 << false;
+    QTest::newRow("other value") << 2 << false;
+}
+
+void tst_BkCalendarItemWidget::shouldShowToolTipOnlyWhenSettingIsOne()
+{
+    QFETCH(int, setting);
+    QFETCH(bool, shown);
+    FwApplication::app()->setValue(QVariant(setting), "set_showtooltips");
+    BkColumnFixture fixture;
+    BkCalendarItem item;
+    item.setToolTip("Dentist");
+    item.setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItemWidget widget(&item, fixture.scale, nullptr);
+    QCOMPARE(widget.toolTip(), shown ? QString("Dentist") : QString());
+}
+
+void tst_BkCalendarItemWidget::shouldTakeGeometryFromBookingTime()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(9, 45), 1);
+    BkCalendarItemWidget* widget = item->widget;
+    QCOMPARE(widget->boxY(), 320.0);
+    QCOMPARE(widget->boxHeight(), 67.5);
+    QCOMPARE(widget->y(), 320.0);
+    QCOMPARE(widget->boundingRect(), QRectF(0, 0, 200, 67.5));
+
+    // Seconds do not count: whole minutes from the scale's start and of the length.
+    item->setTime(QTime(9, 0, 59), QTime(9, 45, 58));
+    QCOMPARE(widget->boxY(), 320.0);
+    QCOMPARE(widget->boxHeight(), 66.0);
+}
+
+void tst_BkCalendarItemWidget::shouldShareColumnWidthBySubColumn()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem item;
+    item.setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItemWidget widget(&item, fixture.scale, nullptr);
+    widget.setColInfo(1, 2);
+    widget.widthChanged(205.0);
+    QCOMPARE(widget.columnRect().width(), 200.0);
+    QCOMPARE(widget.boundingRect().width(), 100.0);
+    QCOMPARE(widget.boxX(), 100.0);
+    QCOMPARE(widget.x(), 100.0);
+}
+
+void tst_BkCalendarItemWidget::shouldFillWithStatusColourWhenSchemeKnowsIt()
+{
+    BkColumnFixture fixture;
+    BkCalendarStatusEntry entry;
+    entry.name = "Confirmed";
+    entry.color = QColor(30, 160, 90);
+    fixture.scheme.statusColors.insert(4, entry);
+    auto* item = new BkCalendarItem();
+    item->topColor = Qt::yellow;
+    item->bottomColor = QColor(200, 100, 50);
+    item->setStatusId(4);
+    item->setDate(fixture.date);
+    item->setUserId(1);
+    item->setTime(QTime(9, 0), QTime(10, 0));
+    fixture.model.addItem(item);
+
+    const QLinearGradient gradient = item->widget->gradient();
+    QCOMPARE(gradient.start(), QPointF(0, 0));
+    QCOMPARE(gradient.finalStop(), QPointF(0, 100));
+    QCOMPARE(gradient.stops().size(), 2);
+    QCOMPARE(gradient.stops().at(0), QGradientStop(0.0, entry.color));
+    QCOMPARE(gradient.stops().at(1), QGradientStop(1.0, entry.color.darker(150)));
+    const QLinearGradient selected = item->widget->selectedGradient();
+    QCOMPARE(selected.finalStop(), QPointF(0, 100));
+    QCOMPARE(selected.stops().at(0), QGradientStop(0.0, fixture.scheme.selectedHeader));
+    QCOMPARE(selected.stops().at(1), QGradientStop(1.0, fixture.scheme.selectedHeaderGradient));
+    // The outline keeps to the booking's own colour.
+    QCOMPARE(item->widget->border(),
+             QColor::fromHsv(QColor(200, 100, 50).hsvHue(), QColor(200, 100, 50).hsvSaturation(), 190, 255));
+}
+
+void tst_BkCalendarItemWidget::shouldKeepOwnColoursForUnknownOrNullStatus_data()
+{
+    QTest::addColumn<QVariant>("statusId");
+    QTest::newRow("unknown status") << QVariant(9);
+    QTest::newRow("null status") << QVariant();
+    QTest::newRow("status 0 unknown though map has others") << QVariant(0);
+}
+
+void tst_BkCalendarItemWidget::shouldKeepOwnColoursForUnknownOrNullStatus()
+{
+    QFETCH(QVariant, statusId);
+    BkColumnFixture fixture;
+    BkCalendarStatusEntry entry;
+    entry.color = Qt::red;
+    fixture.scheme.statusColors.insert(4, entry);
+    auto* item = new BkCalendarItem();
+    item->topColor = Qt::yellow;
+    item->bottomColor = Qt::blue;
+    item->setStatusId(statusId);
+    item->setDate(fixture.date);
+    item->setUserId(1);
+    item->setTime(QTime(9, 0), QTime(10, 0));
+    fixture.model.addItem(item);
+
+    const QLinearGradient gradient = item->widget->gradient();
+    QCOMPARE(gradient.stops().at(0), QGradientStop(0.0, QColor(Qt::yellow)));
+    QCOMPARE(gradient.stops().at(1), QGradientStop(1.0, QColor(Qt::blue)));
+    QCOMPARE(fixture.scheme.statusColors.size(), 1); // looking up does not add
+}
+
+void tst_BkCalendarItemWidget::shouldCopyGradientForSelectionWithoutScheme()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem item;
+    item.topColor = Qt::yellow;
+    item.bottomColor = Qt::blue;
+    item.setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItemWidget widget(&item, fixture.scale, nullptr);
+    QCOMPARE(widget.selectedGradient().stops(), widget.gradient().stops());
+    QCOMPARE(widget.selectedGradient().finalStop(), QPointF(0, 100));
+}
+
+void tst_BkCalendarItemWidget::shouldDeriveBorderFromBottomColour()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem item;
+    item.bottomColor = QColor::fromHsv(210, 120, 200);
+    item.setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItemWidget widget(&item, fixture.scale, nullptr);
+    QCOMPARE(widget.border(), QColor::fromHsv(210, 120, 190, 255));
+
+    // A colour darker than the step keeps a valid, black outline.
+    item.bottomColor = QColor::fromHsv(0, 0, 4);
+    widget.widthChanged(105.0);
+    QVERIFY(widget.border().isValid());
+    QCOMPARE(widget.border().value(), 0);
+}
+
+void tst_BkCalendarItemWidget::shouldIgnoreChangesOfOtherBookings()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* b = fixture.addItem(QTime(12, 0), QTime(13, 0), 2);
+    // a's new time is not announced...
+    a->setBlocked(true);
+    a->setTime(QTime(14, 0), QTime(15, 0));
+    a->setBlocked(false);
+    // ...so a change of b leaves a's box where it was,
+    b->setTitle("Other");
+    QCOMPARE(a->widget->y(), 320.0);
+    // and a's own change brings it to its time.
+    a->setTitle("Mine");
+    QCOMPARE(a->widget->y(), 50.0 + 480 * 1.5);
+}
+
+void tst_BkCalendarItemWidget::shouldForgetBookingWhenRemovedAndRefuseEveryChange()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    QPointer<BkCalendarItemWidget> widget = item->widget;
+    widget->setZValue(5.0);
+    fixture.model.removeItem(item);
+    QVERIFY(widget);
+    QVERIFY(!widget->item());
+    QVERIFY(!item->widget);
+
+    // Every change is answered with false until the box is gone, so a proposed position reads as
+    // (0, 0) and a proposed z value as 0.
+    widget->setPos(30, 400);
+    QCOMPARE(widget->pos(), QPointF(0, 0));
+    widget->setZValue(7.0);
+    QCOMPARE(widget->zValue(), 0.0);
+    // A box without booking draws nothing and does not mind further signals.
+    widget->itemChanged(item);
+    QImage image(50, 50, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    QStyleOptionGraphicsItem option;
+    widget->paint(&painter, &option, nullptr);
+    painter.end();
+    QCOMPARE(image.pixelColor(10, 10), QColor(Qt::white));
+
+    BkColumnFixture::flushDeletes();
+    QVERIFY(!widget);
+    delete item;
+}
+
+void tst_BkCalendarItemWidget::shouldIgnoreRemovalOfOtherBooking()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* b = fixture.addItem(QTime(12, 0), QTime(13, 0), 2);
+    BkCalendarItemWidget* widget = a->widget;
+    fixture.model.removeItem(b);
+    BkColumnFixture::flushDeletes();
+    QCOMPARE(a->widget, widget);
+    QCOMPARE(widget->item(), a);
+    delete b;
+}
+
+void tst_BkCalendarItemWidget::shouldRefusePositionThatTimeDoesNotGive()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItemWidget* widget = item->widget;
+    QCOMPARE(widget->pos(), QPointF(0, 320));
+
+    widget->setPos(20, 340); // another time: refused as a whole
+    QCOMPARE(widget->pos(), QPointF(0, 320));
+    widget->setPos(20, 320.9); // the same minute row: taken, at the time's y
+    QCOMPARE(widget->pos(), QPointF(20, 320));
+    widget->setPos(10, 319.0); // one row up
+    QCOMPARE(widget->pos(), QPointF(20, 320));
+
+    // A drag by the mouse proposes positions the same way.
+    widget->moveBy(0, 45);
+    QCOMPARE(widget->pos(), QPointF(20, 320));
+}
+
+void tst_BkCalendarItemWidget::shouldLetReservedBoxGoWhereProposed()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1, BkCalendarItem::Reserved);
+    item->widget->setPos(0, 340);
+    QCOMPARE(item->widget->pos(), QPointF(0, 340));
+    // It still counts in the layout.
+    BkCalendarItem* other = fixture.addItem(QTime(9, 30), QTime(10, 30), 2);
+    QCOMPARE(other->widget->colCount(), 2);
+}
+
+void tst_BkCalendarItemWidget::shouldRewireWidthWhenReparented()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItemWidget* widget = item->widget;
+
+    auto* second = new BkCalendarColumn(nullptr, false);
+    fixture.scene.addItem(second);
+    second->setTimeScale(fixture.scale);
+    second->setWidthScale(305.0, WidthFixed, -1.0);
+    widget->setParentItem(second);
+    QCOMPARE(widget->column(), second);
+
+    fixture.column->setWidthScale(405.0, WidthFixed, -1.0);
+    QCOMPARE(widget->columnRect().width(), 200.0);
+    second->setWidthScale(155.0, WidthFixed, -1.0);
+    QCOMPARE(widget->columnRect().width(), 150.0);
+    QCOMPARE(widget->boundingRect().width(), 150.0);
+
+    // A parent that is no column leaves the box without one.
+    QGraphicsRectItem plain;
+    fixture.scene.addItem(&plain);
+    widget->setParentItem(&plain);
+    QVERIFY(!widget->column());
+    second->setWidthScale(255.0, WidthFixed, -1.0);
+    QCOMPARE(widget->columnRect().width(), 150.0);
+    widget->setParentItem(fixture.column);
+    QCOMPARE(widget->column(), fixture.column);
+}
+
+void tst_BkCalendarItemWidget::shouldLayOutColumnWhenUpdated()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* b = fixture.addItem(QTime(9, 30), QTime(10, 30), 2);
+    QCOMPARE(a->widget->colCount(), 2);
+    // Hiding a box runs no layout by itself...
+    b->widget->setVisible(false);
+    QCOMPARE(a->widget->colCount(), 2);
+    // ...the host's refresh of a booking does.
+    fixture.model.updateItem(b);
+    QCOMPARE(a->widget->colCount(), 1);
+    QCOMPARE(a->widget->boundingRect().width(), 200.0);
+
+    // A box without column has nothing to lay out.
+    BkCalendarItem loose;
+    loose.setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItemWidget widget(&loose, fixture.scale, nullptr);
+    widget.updated();
+    QCOMPARE(widget.colIndex(), 1);
+}
+
+void tst_BkCalendarItemWidget::shouldLeaveBookingWhenDeleted()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* b = fixture.addItem(QTime(9, 30), QTime(10, 30), 2);
+    delete a->widget;
+    QVERIFY(!a->widget);
+    // The column lays out what is left.
+    QCOMPARE(b->widget->colCount(), 1);
+    QCOMPARE(b->widget->x(), 0.0);
+}
+
+void tst_BkCalendarItemWidget::shouldSurviveItsBooking()
+{
+    BkColumnFixture fixture;
+    auto* item = new BkCalendarItem();
+    item->setTime(QTime(9, 0), QTime(10, 0));
+    QPointer<BkCalendarItemWidget> widget = new BkCalendarItemWidget(item, fixture.scale, fixture.column);
+    delete item;
+    QVERIFY(widget);
+    QVERIFY(!widget->item());
+    widget->itemChanged(nullptr);
+    widget->itemRemoved(nullptr);
+    QVERIFY(widget);
+}
+
+void tst_BkCalendarItemWidget::shouldDoNothingWithoutScale()
+{
+    BkCalendarItem item;
+    item.setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItemWidget widget(&item, nullptr, nullptr);
+    QCOMPARE(widget.pos(), QPointF(0, 0));
+    QCOMPARE(widget.boundingRect(), QRectF(0, 0, 100, 100));
+    widget.widthChanged(205.0);
+    QCOMPARE(widget.boundingRect(), QRectF(0, 0, 100, 100));
+    widget.setPos(3, 4); // no scale to check against
+    QCOMPARE(widget.pos(), QPointF(3, 4));
+}
+
+FW_TEST_MAIN(tst_BkCalendarItemWidget)
+#include "tst_bkcalendaritemwidget.moc"
