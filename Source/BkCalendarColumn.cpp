@@ -7,18 +7,31 @@
 #include "BkCalendarModel.h"
 #include "BkCalendarTimeScale.h"
 #include "FwApplication.h"
+#include "FwEnums.h"
+#include "FwMessageBox.h"
+#include "FwTreeWidget.h"
+#include "FwTreeWidgetItem.h"
 
+#include <QApplication>
 #include <QBrush>
+#include <QDataStream>
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneMouseEvent>
+#include <QMessageBox>
+#include <QMimeData>
 #include <QPainter>
+#include <QPair>
 #include <QPen>
+#include <QPointer>
+#include <QStringList>
 #include <QStyle>
 #include <QStyleOptionGraphicsItem>
+#include <QTreeWidgetItemIterator>
 #include <QVector>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 bool calendarItemLessThan(BkCalendarItem* a, BkCalendarItem* b)
@@ -594,26 +607,177 @@ BkCalendarPlan* BkCalendarColumn::planAt(QTime start, QTime end)
     return nullptr;
 }
 
-// The booking rules below are not built yet: until they are, nothing may be booked or moved here,
-// which is the safe answer for every caller.
+namespace {
+
+const char CalItemFormat[] = "text/calitem";
+const char TreeRowFormat[] = "application/x-fwtreewidget";
+const char LayoutKey[] = "CalendarLayout";
+
+// The id of a booking dragged out of a column: decimal digits, nothing else. The bytes may come
+// from another process, so what does not read as a number names no booking of ours.
+bool readCalItem(const QMimeData* data, int* id)
+{
+    bool ok = false;
+    *id = data->data(QLatin1String(CalItemFormat)).toInt(&ok, 10);
+    return ok;
+}
+
+// The row of the move list that a payload names, or null. The address comes with the drag and may
+// be stale or forged, so it is never turned into a pointer: it is only compared with the addresses
+// of the rows that live now in the trees of this application, and only a live row that carries
+// the same booking id is returned.
+FwTreeWidgetItem* findLiveRow(quint64 address, qint32 id)
+{
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (QWidget* widget : widgets) {
+        auto* tree = qobject_cast<FwTreeWidget*>(widget);
+        if (!tree)
+            continue;
+        for (QTreeWidgetItemIterator it(tree); *it; ++it) {
+            auto* row = dynamic_cast<FwTreeWidgetItem*>(*it);
+            if (row && quint64(quintptr(row)) == address && row->data(0, IdRole).toInt() == id)
+                return row;
+        }
+    }
+    return nullptr;
+}
+
+// A row dragged out of the move list: the booking's id (32 bits) and the row's address in this
+// process (64 bits), big-endian. Fewer than 12 bytes, or the address of no live row, is no such
+// payload; an address of 0 names no row at all.
+bool readMoveListRow(const QMimeData* data, qint32* id, FwTreeWidgetItem** row)
+{
+    const QByteArray bytes = data->data(QLatin1String(TreeRowFormat));
+    if (bytes.size() < 12)
+        return false;
+    QDataStream stream(bytes);
+    qint64 address = 0;
+    stream >> *id >> address;
+    if (stream.status() != QDataStream::Ok)
+        return false;
+    *row = address ? findLiveRow(quint64(address), *id) : nullptr;
+    return address == 0 || *row;
+}
+
+} // namespace
+
+QTime BkCalendarColumn::roundToSnap(const QTime& time, int snap)
+{
+    if (!time.isValid())
+        return time;
+    // A snap that is not positive would divide by zero; one minute keeps every minute as it is.
+    if (snap <= 0)
+        snap = 1;
+    const int rest = time.minute() % snap;
+    if (rest == 0)
+        return time;
+    // The grid restarts at every full hour; a tie goes forward.
+    if (rest < snap / 2)
+        return time.addSecs(-rest * 60);
+    return time.addSecs((snap - rest) * 60);
+}
+
+int BkCalendarColumn::snapMinutes()
+{
+    // Without an application, or with no positive setting, there is no grid: every minute counts.
+    FwApplication* app = FwApplication::app();
+    if (!app)
+        return 1;
+    const int snap = app->getValue(QStringLiteral("set_snaponmovebooking"), QString()).toInt();
+    return snap > 0 ? snap : 1;
+}
+
 bool BkCalendarColumn::allowBooking(QTime start, QTime end)
 {
-    Q_UNUSED(start)
-    Q_UNUSED(end)
-    return false;
+    if (!start.isValid())
+        return false;
+    if (!end.isValid())
+        end = start;
+    else if (end < start)
+        return false;
+
+    // The bookable plans that the span touches. A closed block opens nothing, but neither does it
+    // close what an open block round it opens.
+    QVector<QPair<QTime, QTime>> intervals;
+    for (BkCalendarPlan* plan : qAsConst(mPlans)) {
+        if (!plan || !plan->bookable)
+            continue;
+        const bool holdsStart = plan->start <= start && start <= plan->end;
+        const bool inside = start <= plan->start && plan->end <= end;
+        const bool holdsEnd = plan->start <= end && end <= plan->end;
+        if (holdsStart || inside || holdsEnd)
+            intervals.append(qMakePair(plan->start, plan->end));
+    }
+    if (intervals.isEmpty())
+        return false;
+    std::stable_sort(
+        intervals.begin(), intervals.end(),
+        [](const QPair<QTime, QTime>& a, const QPair<QTime, QTime>& b) { return a.first < b.first; });
+
+    // One run of plans that meet exactly; plans that overlap do not join it.
+    bool haveLo = false;
+    bool haveHi = false;
+    QTime lo;
+    QTime hi;
+    for (const QPair<QTime, QTime>& interval : qAsConst(intervals)) {
+        if (!haveLo) {
+            lo = interval.first;
+            haveLo = true;
+        }
+        if (!haveHi) {
+            hi = interval.second;
+            haveHi = true;
+        }
+        if (hi == interval.first)
+            hi = interval.second;
+        else if (lo == interval.second)
+            lo = interval.first;
+    }
+    return start >= lo && end <= hi;
 }
 
 bool BkCalendarColumn::isResourceBooked(BkCalendarItem* item)
 {
-    Q_UNUSED(item)
+    if (!item || !mModel)
+        return false;
+    // The booking's own resource counts, not this column's key and not the booking's user.
+    const BkCalendarResource key(item->resourceId(), QString(), 1);
+    const QList<BkCalendarItem*> others = mModel->items(item->date(), key);
+    for (BkCalendarItem* other : others) {
+        if (!other || other == item)
+            continue;
+        // Bookings that merely touch are no double booking.
+        if (item->start() < other->end() && other->start() < item->end())
+            return true;
+    }
     return false;
 }
 
 bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
 {
-    Q_UNUSED(item)
-    Q_UNUSED(start)
-    return false;
+    if (!item)
+        return false;
+    const QTime s = roundToSnap(start, snapMinutes());
+    const QTime e = s.addSecs(item->start().secsTo(item->end()));
+    if (!allowBooking(s, e))
+        return false;
+
+    BkCalendarItemWidget* widget = item->widget;
+    if (!widget) {
+        // A booking from the move list, or one outside the scale's span, gets its box here.
+        makeWidget(item);
+    } else if (widget->parentItem() != this) {
+        setSelected(true);
+        if (QGraphicsItem* old = widget->parentItem())
+            old->setSelected(false);
+        // The box rewires itself to this column's width in its itemChange.
+        widget->setParentItem(this);
+    }
+    item->setTime(s, e);
+    item->setKeys(mDate, mResource);
+    if (item->widget)
+        item->widget->update();
+    return true;
 }
 
 void BkCalendarColumn::move(double delta)
@@ -628,10 +792,71 @@ void BkCalendarColumn::move(double delta)
     mCustomSize = true;
 }
 
-// The saved layout of custom widths is not read or written yet; a column keeps the view's width.
-void BkCalendarColumn::initSavedValue() {}
+namespace {
 
-void BkCalendarColumn::removeCustomSize() {}
+// The saved custom widths, one "type|id|width" entry per user or resource. Without an application
+// there is nothing saved.
+QStringList readLayout()
+{
+    FwApplication* app = FwApplication::app();
+    if (!app)
+        return QStringList();
+    return app->localValue(QLatin1String(LayoutKey), QVariant(QVariant::Int)).toStringList();
+}
+
+// Whether an entry is that of this type and id. An entry of other than three parts is nobody's;
+// a part that is not a number counts as 0.
+bool entryMatches(const QString& entry, const BkCalendarResource& resource, QStringList* parts = nullptr)
+{
+    const QStringList split = entry.split(QLatin1Char('|'), Qt::KeepEmptyParts, Qt::CaseSensitive);
+    if (split.size() != 3 || split.at(0).toInt() != resource.type ||
+        split.at(1).toInt() != resource.id.toInt())
+        return false;
+    if (parts)
+        *parts = split;
+    return true;
+}
+
+} // namespace
+
+void BkCalendarColumn::initSavedValue()
+{
+    if (!mHeader || !mHeader->resizable())
+        return;
+    const QStringList list = readLayout();
+    for (const QString& entry : list) {
+        QStringList parts;
+        if (!entryMatches(entry, mResource, &parts))
+            continue;
+        // The list is kept on the user's machine and may have been edited by hand: a width that is
+        // not a positive number gives no width, and the walk goes on to the next entry.
+        bool ok = false;
+        const double width = parts.at(2).toDouble(&ok);
+        if (!ok || !std::isfinite(width) || width <= 0.0)
+            continue;
+        mWidthScale = width;
+        mWidthType = WidthFixed;
+        mCustomSize = true;
+        break;
+    }
+}
+
+void BkCalendarColumn::removeCustomSize()
+{
+    mCustomSize = false;
+    QStringList list = readLayout();
+    int last = -1;
+    for (int i = 0; i < list.size(); ++i) {
+        if (entryMatches(list.at(i), mResource))
+            last = i;
+    }
+    // Where an entry stands twice, the first one is read and the last one removed.
+    if (last >= 0)
+        list.removeAt(last);
+    if (FwApplication* app = FwApplication::app())
+        app->setLocalValue(QLatin1String(LayoutKey), QVariant(list));
+    emit widthChanged();
+}
 
 void BkCalendarColumn::setHeaderText(const QString& text)
 {
@@ -683,25 +908,91 @@ void BkCalendarColumn::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
     QGraphicsItem::mouseReleaseEvent(event);
 }
 
-// Drag and drop of bookings is not built yet: the events take their default course.
 void BkCalendarColumn::dragEnterEvent(QGraphicsSceneDragDropEvent* event)
 {
-    QGraphicsItem::dragEnterEvent(event);
+    const QMimeData* data = event->mimeData();
+    if (data &&
+        (data->hasFormat(QLatin1String(CalItemFormat)) || data->hasFormat(QLatin1String(TreeRowFormat))))
+        event->accept();
+    else
+        event->ignore();
 }
 
 void BkCalendarColumn::dragMoveEvent(QGraphicsSceneDragDropEvent* event)
 {
+    event->ignore();
+    const QMimeData* data = event->mimeData();
+    BkCalendarItem* item = nullptr;
+    if (data && mModel) {
+        if (data->hasFormat(QLatin1String(CalItemFormat))) {
+            int id = 0;
+            if (readCalItem(data, &id))
+                item = mModel->findId(QVariant(id));
+        } else if (data->hasFormat(QLatin1String(TreeRowFormat))) {
+            qint32 id = 0;
+            FwTreeWidgetItem* row = nullptr;
+            if (readMoveListRow(data, &id, &row))
+                item = mModel->findId(QVariant(uint(id)));
+        }
+    }
+    // The booking follows the pointer, live and uncommitted. A refused step is accepted all the
+    // same, so that the drop comes and commits the last good place.
+    if (item) {
+        if (mScale)
+            tryToMoveItem(item, mScale->timeAt(event->pos().y()));
+        event->accept();
+    }
     QGraphicsItem::dragMoveEvent(event);
 }
 
 void BkCalendarColumn::dropEvent(QGraphicsSceneDragDropEvent* event)
 {
-    QGraphicsItem::dropEvent(event);
+    // The last drag move has put the booking in place; the drop only ends the gesture.
+    event->ignore();
+    const QMimeData* data = event->mimeData();
+    if (!data || !mModel)
+        return;
+    if (data->hasFormat(QLatin1String(CalItemFormat))) {
+        int id = 0;
+        if (!readCalItem(data, &id))
+            return;
+        BkCalendarItem* item = mModel->findId(QVariant(id));
+        if (!item)
+            return;
+        QMessageBox::StandardButton answer = QMessageBox::Yes;
+        QPointer<BkCalendarModel> model(mModel);
+        if (isResourceBooked(item)) {
+            answer = FwMessageBox::question(event->widget(), tr("Resource booked double"),
+                                            tr("Do you want to make a double booked resource ?"),
+                                            QMessageBox::Yes, QMessageBox::No, QStringList());
+            // The question runs a loop of its own, in which the booking may have left the model.
+            if (!model || model->findId(QVariant(id)) != item)
+                return;
+        }
+        if (answer == QMessageBox::No)
+            item->rollback();
+        else
+            item->commit(false);
+        event->accept();
+    } else if (data->hasFormat(QLatin1String(TreeRowFormat))) {
+        qint32 id = 0;
+        FwTreeWidgetItem* row = nullptr;
+        if (!readMoveListRow(data, &id, &row))
+            return;
+        BkCalendarItem* item = mModel->findId(QVariant(uint(id)));
+        if (!item)
+            return;
+        // No question on this road, and the event stays ignored. The row is one found alive in
+        // this application, so deleting it takes it out of its list and nothing else.
+        item->commit(false);
+        delete row;
+    }
 }
 
+// The booking stays in the column that it entered last; only leaving the scene takes it back.
 void BkCalendarColumn::dragLeaveEvent(QGraphicsSceneDragDropEvent* event)
 {
-    QGraphicsItem::dragLeaveEvent(event);
+    Q_UNUSED(event)
 }
 
 void BkCalendarColumn::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)

@@ -5,15 +5,22 @@
 #include "BkCalendarItem.h"
 #include "BkCalendarTimeScale.h"
 #include "FwApplication.h"
+#include "FwMessageBox.h"
 #include "FwTextDocument.h"
 
 #include <QBrush>
+#include <QDrag>
 #include <QFont>
+#include <QGraphicsSceneContextMenuEvent>
+#include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QKeyEvent>
+#include <QMessageBox>
+#include <QMimeData>
 #include <QPainter>
 #include <QPen>
 #include <QPixmap>
+#include <QPointer>
 #include <QStyle>
 #include <QStyleOptionGraphicsItem>
 
@@ -243,53 +250,184 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
     return QGraphicsItem::itemChange(change, value);
 }
 
-// The gestures on a booking are not built yet: the events take their default course, which selects
-// the box on a press. The booking's time still decides where the box stands.
+namespace {
+
+// A setting read at the moment of the gesture, so that a change in the host counts at once.
+int gestureSetting(const char* key, const QString& fallback = QString())
+{
+    FwApplication* app = FwApplication::app();
+    return app ? app->getValue(QString::fromLatin1(key), fallback).toInt() : 0;
+}
+
+} // namespace
+
+void BkCalendarItemWidget::grow(int height)
+{
+    mExpanded = true;
+    mSavedRect = mRect;
+    prepareGeometryChange();
+    mRect.setHeight(height);
+    setZValue(100.0);
+    QGraphicsItem::update(mRect);
+}
+
 void BkCalendarItemWidget::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
 {
-    QGraphicsItem::mouseMoveEvent(event);
+    if (!mItem || mItem->type() == BkCalendarItem::Reserved)
+        return;
+    const QPointF p = event->pos();
+    if (p.x() < 0.0 || p.x() > mRect.width()) {
+        // Out of the box sideways: the booking goes on as a drag to another column.
+        QPointer<BkCalendarItemWidget> self(this);
+        auto* drag = new QDrag(event->widget());
+        auto* data = new QMimeData;
+        data->setData(QStringLiteral("text/calitem"), QByteArray::number(mItem->id.toInt(), 10));
+        drag->setMimeData(data);
+        drag->setHotSpot(QPoint(15, 20));
+        drag->exec(Qt::MoveAction);
+        // The drag runs a loop of its own, in which the drop may have taken this box away.
+        if (!self)
+            return;
+    } else {
+        if (!mMoved) {
+            const int sensitivity = gestureSetting("gst_calendarsensitivity", QStringLiteral("0"));
+            // The travel is the sum of both directions, and it has to exceed the sensitivity.
+            if (qAbs(mPressPos.x() - p.x()) + qAbs(mPressPos.y() - p.y()) > sensitivity)
+                mMoved = true;
+        }
+        if (mMoved) {
+            // The box's top follows the pointer in steps of the snap grid; the length stays.
+            if (mScale && mColumn) {
+                const QTime start = BkCalendarColumn::roundToSnap(mScale->timeAt(mapToParent(p).y()),
+                                                                  BkCalendarColumn::snapMinutes());
+                const QTime end = start.addSecs(mItem->start().secsTo(mItem->end()));
+                if (mColumn->allowBooking(start, end))
+                    mItem->setTime(start, end);
+            }
+            QGraphicsItem::mouseMoveEvent(event);
+        }
+    }
+    mSavedRect = mRect;
 }
 
 void BkCalendarItemWidget::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
 {
-    QGraphicsItem::mouseDoubleClickEvent(event);
+    if (!mItem)
+        return;
+    QPointer<BkCalendarItemWidget> self(this);
+    if (mItem->type() != BkCalendarItem::Reserved)
+        emit itemActivated(mItem);
+    // The host may have opened a dialog on the signal, in which this box went away.
+    if (self)
+        QGraphicsItem::mouseDoubleClickEvent(event);
 }
 
 void BkCalendarItemWidget::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 {
+    if (!mItem || mItem->type() == BkCalendarItem::Reserved)
+        return;
+    bool keep = true;
+    if (mMoved && mColumn && mColumn->isResourceBooked(mItem)) {
+        QPointer<BkCalendarItemWidget> self(this);
+        keep = FwMessageBox::question(event->widget(), tr("Resource booked double"),
+                                      tr("Do you want to make a double booked resource ?"), QMessageBox::Yes,
+                                      QMessageBox::No, QStringList()) != QMessageBox::No;
+        // The question runs a loop of its own, in which the box or its booking may have gone.
+        if (!self)
+            return;
+        if (!keep && mItem && mItem->model)
+            mItem->rollback();
+    }
+    // Every release commits, a plain click included.
+    if (keep && mItem)
+        mItem->commit(false);
+    mMoved = false;
+    mPressPos = QPointF(0.0, 0.0);
     QGraphicsItem::mouseReleaseEvent(event);
 }
 
 void BkCalendarItemWidget::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
+    const int expandSize = gestureSetting("set_calexpandsize");
+    if (!mItem)
+        return;
+    mMoved = false;
+    mPressPos = event->pos();
+    // A reserved box cannot even be selected by the mouse.
+    if (mItem->type() == BkCalendarItem::Reserved)
+        return;
+    if (event->button() == Qt::LeftButton) {
+        if (mColumn && mColumn->raise() == BkCalendarColumn::RaiseOnClick && mRect.height() < expandSize)
+            grow(expandSize);
+    } else {
+        event->accept();
+    }
     QGraphicsItem::mousePressEvent(event);
 }
 
 void BkCalendarItemWidget::keyPressEvent(QKeyEvent* event)
 {
+    const int keysDisabled = gestureSetting("set_disablekeysbooking");
+    if (!mItem || mItem->type() == BkCalendarItem::Reserved)
+        return;
+    // The arrows of the keypad are arrows too; any modifier held passes the key on.
+    const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    const int key = event->key();
+    if (keysDisabled == 0 && plain && (key == Qt::Key_Up || key == Qt::Key_Down)) {
+        moveBySeconds(key == Qt::Key_Up ? -1 : 1);
+        if (mItem)
+            mItem->commit(false);
+        return;
+    }
+    event->ignore();
     QGraphicsItem::keyPressEvent(event);
 }
 
 void BkCalendarItemWidget::hoverEnterEvent(QGraphicsSceneHoverEvent* event)
 {
+    if (mItem && mItem->type() != BkCalendarItem::Reserved && mColumn &&
+        mColumn->raise() == BkCalendarColumn::RaiseOnHover) {
+        const int expandSize = gestureSetting("set_calexpandsize");
+        if (mRect.height() < expandSize)
+            grow(expandSize);
+    }
     QGraphicsItem::hoverEnterEvent(event);
 }
 
 void BkCalendarItemWidget::hoverLeaveEvent(QGraphicsSceneHoverEvent* event)
 {
+    // The only way back from a grown box; the layout then sees the box at its own height again.
+    if (mExpanded) {
+        prepareGeometryChange();
+        mExpanded = false;
+        const QRectF grown = mRect;
+        mRect = mSavedRect;
+        setZValue(1.0);
+        if (mColumn)
+            mColumn->checkCollisions();
+        QGraphicsItem::update(grown);
+    }
     QGraphicsItem::hoverLeaveEvent(event);
 }
 
 void BkCalendarItemWidget::contextMenuEvent(QGraphicsSceneContextMenuEvent* event)
 {
-    QGraphicsItem::contextMenuEvent(event);
+    event->accept();
+    if (mItem && mItem->type() != BkCalendarItem::Reserved)
+        emit itemContextMenu(event->screenPos(), mItem);
 }
 
-// Key moves are not built yet; nothing moves.
 bool BkCalendarItemWidget::moveBySeconds(int n)
 {
-    Q_UNUSED(n)
-    return false;
+    // The argument counts minutes, whatever the name says; no snapping, so one key is one minute.
+    if (!mItem || !mColumn)
+        return false;
+    const QTime start = mItem->start().addSecs(n * 60);
+    const QTime end = mItem->end().addSecs(n * 60);
+    if (!mColumn->allowBooking(start, end))
+        return false;
+    mItem->setTime(start, end);
+    return true;
 }
 
 void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)

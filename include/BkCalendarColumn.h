@@ -85,6 +85,10 @@ public:
     BkCalendarPlan* planAt(QTime start, QTime end);
     bool isResourceBooked(BkCalendarItem* item);
     bool tryToMoveItem(BkCalendarItem* item, QTime start);
+    // The snap grid of moved bookings: a time goes to the nearest grid point of its hour, a tie
+    // forward; snapMinutes() is the host's set_snaponmovebooking, 1 where that is not positive.
+    static QTime roundToSnap(const QTime& time, int snap);
+    static int snapMinutes();
 
     // Custom column width.
     void move(double delta);

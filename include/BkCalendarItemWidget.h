@@ -103,6 +103,9 @@ protected:
     void contextMenuEvent(QGraphicsSceneContextMenuEvent* event) override;
 
 private:
+    // Grows a short box to the expand height until the pointer leaves it.
+    void grow(int height);
+
     bool mMoved;
     bool mExpanded;
     bool mDeleting;
