@@ -10,6 +10,7 @@
 #include "BkCalendarItemWidget.h"
 #include "BkCalendarModel.h"
 #include "BkCalendarRecords.h"
+#include "BkCalendarScene.h"
 #include "BkCalendarStatusEntry.h"
 #include "BkCalendarTimeScale.h"
 #include "FwCalendarGlobal.h"
