@@ -216,7 +216,9 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
     case ItemPositionChange:
         if (mItem->type() != BkCalendarItem::Reserved && mScale) {
             // The booking's time decides where the box stands: a proposal is taken only at the y
-            // that the time gives, and sideways only together with it.
+            // that the time gives, and sideways only together with it. The comparison is exact, so
+            // it holds for minute heights that a float carries exactly (1, 1.5, 2, ...); hosts keep
+            // to those.
             const QPointF proposed = value.toPointF();
             const double m = double(mScale->minuteHeight());
             const double t = double(mScale->topMargin());
