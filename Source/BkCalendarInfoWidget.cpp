@@ -1,13 +1,10 @@
 #include "BkCalendarInfoWidget.h"
 
+#include "BkCalendarItemKind.h"
+
 #include <QFont>
 #include <QPainter>
 #include <QSvgRenderer>
-
-namespace {
-const int ItemKindRole = 266;
-const int KindInfoWidget = 102;
-} // namespace
 
 BkCalendarInfoWidget::BkCalendarInfoWidget(int type, QGraphicsItem* parent)
     : QObject()
@@ -16,7 +13,7 @@ BkCalendarInfoWidget::BkCalendarInfoWidget(int type, QGraphicsItem* parent)
     , mType(type)
     , mMargin(0)
 {
-    setData(ItemKindRole, KindInfoWidget);
+    setData(ItemKindRole, int(ItemKindInfoWidget));
 }
 
 BkCalendarInfoWidget::~BkCalendarInfoWidget() = default;

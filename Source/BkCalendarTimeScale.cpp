@@ -1,5 +1,7 @@
 #include "BkCalendarTimeScale.h"
 
+#include "BkCalendarItemKind.h"
+
 #include <FwApplication.h>
 
 #include <QApplication>
@@ -14,8 +16,6 @@
 #include <cmath>
 
 namespace {
-const int ItemKindRole = 266;
-const int KindTimeScale = 103;
 const int SecondsPerDay = 24 * 60 * 60;
 
 // Positions only know whole minutes: seconds and milliseconds play no part.
@@ -44,7 +44,7 @@ BkCalendarTimeScale::BkCalendarTimeScale(QGraphicsItem* parent)
 {
     setZValue(200.0);
     setPos(0.0, 25.0);
-    setData(ItemKindRole, KindTimeScale);
+    setData(ItemKindRole, int(ItemKindTimeScale));
     update();
     mTimer.setInterval(60000);
     mTimer.start();

@@ -1,6 +1,7 @@
 #ifndef BKCALENDARCOLUMN_H
 #define BKCALENDARCOLUMN_H
 
+#include "BkCalendarItemKind.h"
 #include "BkCalendarRecords.h"
 #include "FwCalendarGlobal.h"
 
@@ -25,17 +26,6 @@ enum WidthType
 {
     WidthProportional = 0,
     WidthFixed = 1
-};
-
-// Item data key that tells the graphics items of the calendar scene apart.
-enum BkCalendarItemKind
-{
-    ItemKindRole = 266,
-    ItemKindColumn = 100,
-    ItemKindItemWidget = 101,
-    ItemKindInfoWidget = 102,
-    ItemKindTimeScale = 103,
-    ItemKindHeader = 104
 };
 
 // Orders bookings by their start time.

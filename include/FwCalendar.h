@@ -7,6 +7,7 @@
 #include "BkCalendarHeader.h"
 #include "BkCalendarInfoWidget.h"
 #include "BkCalendarItem.h"
+#include "BkCalendarItemKind.h"
 #include "BkCalendarItemWidget.h"
 #include "BkCalendarModel.h"
 #include "BkCalendarRecords.h"
