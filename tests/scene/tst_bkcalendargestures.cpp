@@ -80,6 +80,7 @@ private slots:
     void boxOfTheExpandHeightDoesNotGrow();
     void rightPressDoesNotGrow();
     void shortBoxGrowsOnHover();
+    void grownBoxCountsInTheNextLayoutAndShrinkingLaysOutAgain();
     void doubleClickActivates();
     void contextMenuIsSignalled();
     void leavingTheBoxSidewaysStartsADrag_data();
@@ -472,6 +473,57 @@ void tst_BkCalendarGestures::shortBoxGrowsOnHover()
     QCOMPARE(below->widget->colCount(), 1);
 }
 
+void tst_BkCalendarGestures::grownBoxCountsInTheNextLayoutAndShrinkingLaysOutAgain()
+{
+    setSetting(QStringLiteral("set_calexpandsize"), 60);
+    Fixture f;
+    // A box 20 high at scene y 410, and one 60 high from y 450: apart until the first grows to 60.
+    BkCalendarItem* item = f.s.addItem(1, Day, Anna.id, QVariant(), t(9, 0), t(9, 10));
+    BkCalendarItem* below = f.s.addItem(2, Day, Anna.id, QVariant(), t(9, 20), t(9, 50));
+    BkCalendarItem* far = f.s.addItem(3, Day, Anna.id, QVariant(), t(14, 0), t(15, 0));
+    f.makeColumn(BkCalendarColumn::RaiseOnHover);
+    BkCalendarItemWidget* widget = item->widget;
+    BkCalendarItemWidget* other = below->widget;
+    const double share = BookingScene::ColumnWidth - 5.0;
+    QCOMPARE(other->colCount(), 1);
+
+    // The user picks the far booking for the keys, then points at the short one, which grows.
+    f.s.press(f.at(t(14, 30)));
+    f.s.release(f.at(t(14, 30)));
+    QVERIFY(far->widget->hasFocus());
+    f.s.moveTo(f.at(t(9, 5)), Qt::NoButton);
+    QVERIFY(widget->expanded());
+    QCOMPARE(widget->boundingRect().height(), 60.0);
+    QVERIFY(widget->collidesWithItem(other));
+    // It keeps the layout it had when it grew.
+    QCOMPARE(widget->colCount(), 1);
+    QCOMPARE(other->colCount(), 1);
+    QCOMPARE(other->x(), 0.0);
+
+    // A key moves the far booking by a minute, and that runs the layout: it counts the grown
+    // height, so the box below shares its width with the grown one.
+    QVERIFY(f.s.key(Qt::Key_Down));
+    QCOMPARE(far->start(), t(14, 1));
+    QCOMPARE(other->colCount(), 2);
+    QCOMPARE(other->colIndex(), 1);
+    QCOMPARE(other->x(), share / 2);
+    QCOMPARE(other->boundingRect().width(), share / 2);
+    QCOMPARE(far->widget->colCount(), 1);
+    // Only leaving the box ends the growing.
+    QVERIFY(widget->expanded());
+
+    // The pointer leaves: the box shrinks and the layout runs again, which frees the box below.
+    f.s.moveTo(f.at(t(12, 0)), Qt::NoButton);
+    QVERIFY(!widget->expanded());
+    QCOMPARE(widget->boundingRect().height(), 20.0);
+    QCOMPARE(widget->colCount(), 1);
+    QCOMPARE(other->colCount(), 1);
+    QCOMPARE(other->colIndex(), 0);
+    QCOMPARE(other->x(), 0.0);
+    QCOMPARE(other->boundingRect().width(), share);
+    QCOMPARE(widget->boundingRect().width(), share);
+}
+
 void tst_BkCalendarGestures::doubleClickActivates()
 {
     Fixture f;
@@ -575,6 +627,8 @@ void tst_BkCalendarGestures::reservedBoxTakesNoGesture()
     // A press neither selects nor grows it, and a move does not move it.
     const QPointF on = f.at(t(9, 2), 20);
     f.s.press(on);
+    // The press is its own, so the moves below reach it and not the column.
+    QCOMPARE(f.s.scene.mouseGrabberItem(), widget);
     QVERIFY(!widget->isSelected());
     QVERIFY(!widget->expanded());
     f.s.moveTo(on + QPointF(0, 100));
@@ -587,6 +641,7 @@ void tst_BkCalendarGestures::reservedBoxTakesNoGesture()
 
     // Keys go nowhere.
     widget->setFocus();
+    QVERIFY(widget->hasFocus());
     f.s.key(Qt::Key_Down);
     QCOMPARE(reserved->start(), t(9, 0));
     QVERIFY(!f.s.model.commitTimer()->isActive());

@@ -275,6 +275,33 @@ void tst_BkCalendarPaint::shouldDrawIconsOnlyInTallBoxes()
     QVERIFY(leftIcon);
     QVERIFY(rightIcon);
 
+    // The mail icon alone stands 20 left of the text area's right edge, which is int(5.0 + 89) = 94
+    // once the area's x is set back to 5.0; from the text's own left edge (6) it would be 95.
+    tall->setItemFlags(BkCalendarItem::FlagMail);
+    const QImage withMail = paintItem(tall->widget);
+    QRect changed;
+    for (int y = 0; y < bare.height(); ++y) {
+        for (int x = 0; x < bare.width(); ++x) {
+            if (bare.pixel(x, y) != withMail.pixel(x, y))
+                changed |= QRect(x, y, 1, 1);
+        }
+    }
+    QVERIFY(!changed.isNull());
+    const QPixmap mail(":/calendar/mail.png");
+    const QImage mailImage = mail.toImage().convertToFormat(QImage::Format_ARGB32);
+    QRect opaque;
+    for (int y = 0; y < mailImage.height(); ++y) {
+        for (int x = 0; x < mailImage.width(); ++x) {
+            if (qAlpha(mailImage.pixel(x, y)) > 0)
+                opaque |= QRect(x, y, 1, 1);
+        }
+    }
+    QImage expected = bare;
+    QPainter painter(&expected);
+    painter.drawPixmap(74, changed.top() - opaque.top(), mail);
+    painter.end();
+    QCOMPARE(withMail, expected);
+
     BkCalendarItem* small = fixture.addItem(QTime(12, 0), QTime(12, 30), 2);
     small->setTitle("Call back");
     const QImage smallBare = paintItem(small->widget);
