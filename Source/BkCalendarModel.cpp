@@ -1,5 +1,6 @@
 #include "BkCalendarModel.h"
 
+#include <QSet>
 #include <QTimer>
 
 namespace {
@@ -195,12 +196,26 @@ void BkCalendarModel::clear()
 {
     emit reset();
     mIdHash.clear();
-    while (!mAllItems.isEmpty())
-        delete mAllItems.takeLast();
+    // An item without an id, or a plan, that was added twice stands twice in the store: it is
+    // deleted at its first place from the end, and passed over at the second.
+    QSet<BkCalendarItem*> deletedItems;
+    while (!mAllItems.isEmpty()) {
+        BkCalendarItem* item = mAllItems.takeLast();
+        if (!deletedItems.contains(item)) {
+            deletedItems.insert(item);
+            delete item;
+        }
+    }
+    QSet<BkCalendarPlan*> deletedPlans;
     for (auto day = mPlanStore.begin(); day != mPlanStore.end(); ++day) {
         for (auto list = day->begin(); list != day->end(); ++list) {
-            while (!list->isEmpty())
-                delete list->takeLast();
+            while (!list->isEmpty()) {
+                BkCalendarPlan* plan = list->takeLast();
+                if (!deletedPlans.contains(plan)) {
+                    deletedPlans.insert(plan);
+                    delete plan;
+                }
+            }
         }
     }
     mPlanStore.clear();

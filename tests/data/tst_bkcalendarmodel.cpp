@@ -62,6 +62,7 @@ private slots:
     void shouldKeepFilingOrder();
     void shouldRejectDuplicateIdAfterSettingToolTip();
     void shouldFileItemWithoutIdTwiceWhenAddedTwice();
+    void shouldDeleteItemAndPlanAddedTwiceOnlyOnceOnClear();
     void shouldKeepItemWithoutKeysInAllItemsOnly();
     void shouldFindById();
     void shouldAskForKeyZeroWhenContainsGetsNullId();
@@ -307,6 +308,27 @@ void TestBkCalendarModel::shouldFileItemWithoutIdTwiceWhenAddedTwice()
     model.removeItem(item);
     QVERIFY(model.allItems().isEmpty());
     delete item;
+}
+
+void TestBkCalendarModel::shouldDeleteItemAndPlanAddedTwiceOnlyOnceOnClear()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(QVariant(), 3, QVariant());
+    BkCalendarItemWidget widget(item);
+    QVERIFY(model.addItem(item));
+    QVERIFY(model.addItem(item));
+    auto* plan = makePlan(Day, BkCalendarResource(3));
+    model.addItem(plan);
+    model.addItem(plan);
+    QCOMPARE(model.plans(Day, BkCalendarResource(3)), (QList<BkCalendarPlan*>{plan, plan}));
+
+    // A second delete of the same pointer would bring the test down here.
+    model.clear();
+
+    QVERIFY(model.allItems().isEmpty());
+    QVERIFY(model.planStore().isEmpty());
+    // The booking is gone: its destructor has cleared the box's pointer.
+    QVERIFY(!widget.item());
 }
 
 void TestBkCalendarModel::shouldKeepItemWithoutKeysInAllItemsOnly()

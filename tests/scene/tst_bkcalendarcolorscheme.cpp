@@ -1,6 +1,9 @@
 // The grid's colour scheme: ten fixed colours and a status table that copies share until they change.
 
 #include <BkCalendarColorScheme.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarItemWidget.h>
+#include <BkCalendarTimeScale.h>
 
 #include <QtTest>
 
@@ -79,14 +82,30 @@ void tst_BkCalendarColorScheme::shouldGiveCopiesTheirOwnStatusTable()
 
 void tst_BkCalendarColorScheme::shouldNotAddAStatusByLookingItUp()
 {
-    // A booking's status is looked up as the booking boxes do: test first, then read.
+    // The booking box is the table's one reader: an id the table lacks leaves the table as it is,
+    // and the box falls back to the booking's own colours.
     BkCalendarColorScheme scheme;
     scheme.statusColors.insert(3, BkCalendarStatusEntry{QStringLiteral("Confirmed"), Qt::green});
-    const BkCalendarColorScheme& view = scheme;
-    QVERIFY(!view.statusColors.contains(42));
-    QVERIFY(!view.statusColors.value(42).color.isValid());
+    BkCalendarTimeScale scale(nullptr);
+    BkCalendarItem item;
+    item.setTime(QTime(8, 0), QTime(9, 0));
+    item.topColor = Qt::red;
+    item.bottomColor = Qt::blue;
+    item.statusId = 42;
+    BkCalendarItemWidget box(&item, &scale);
+    box.setColorScheme(&scheme);
+
+    box.itemChanged(&item);
+
     QCOMPARE(scheme.statusColors.size(), 1);
     QVERIFY(!scheme.statusColors.contains(42));
+    QCOMPARE(box.gradient().stops().first().second, QColor(Qt::red));
+
+    // A known id gives its colour, and the table still has its one row.
+    item.statusId = 3;
+    box.itemChanged(&item);
+    QCOMPARE(box.gradient().stops().first().second, QColor(Qt::green));
+    QCOMPARE(scheme.statusColors.size(), 1);
 }
 
 QTEST_MAIN(tst_BkCalendarColorScheme)

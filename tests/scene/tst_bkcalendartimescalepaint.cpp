@@ -144,6 +144,7 @@ private slots:
     void shouldNeverDrawLargeLabelsOnASevenMinuteStep_data();
     void shouldNeverDrawLargeLabelsOnASevenMinuteStep();
     void shouldDrawOnlyTheFirstTickForASingleStep();
+    void shouldDrawTheMarkerAlsoOnASingleStep();
     void shouldPutTheSecondTickOnTheNextMultipleOfTheStep();
     void shouldDrawTheMarkerAtTheCurrentTime();
     void shouldDrawTheMarkerOutsideTheSpanWhenTheTimeIs();
@@ -398,6 +399,27 @@ void tst_BkCalendarTimeScalePaint::shouldDrawOnlyTheFirstTickForASingleStep()
     QVERIFY2(labelsMatch(image, {{QRect(0, 50, 38, 45), QStringLiteral("6"), true}},
                          int(scale.rect().height()), &where),
              qPrintable(where));
+}
+
+void tst_BkCalendarTimeScalePaint::shouldDrawTheMarkerAlsoOnASingleStep()
+{
+    // A one-step scale placed round the present time, so that its marker falls on the picture:
+    // twenty minutes ahead of now (in the top band), or half an hour behind late in the evening.
+    const QTime now = QTime::currentTime();
+    const QTime minute(now.hour(), now.minute());
+    const int shift = minuteOfDay(now) < 23 * 60 ? 20 : -30;
+    const QTime start = minute.addSecs(shift * 60);
+    BkCalendarTimeScale scale(nullptr);
+    scale.setInterval(start, start.addSecs(15 * 60));
+    QCOMPARE(scale.loops(), 1);
+    const double y = scale.nowY();
+    // The minute may turn between the two readings.
+    QVERIFY2(y == 50.0 - shift || y == 51.0 - shift, qPrintable(QString::number(y)));
+
+    const QImage image = paintScale(scale, QStringLiteral("scale-single-marker.png"));
+    const QColor middle = blend(Qt::white, scale.highlight(), 0.5);
+    QVERIFY2(near(at(image, 40, int(y)), middle, 4), qPrintable(at(image, 40, int(y)).name()));
+    QVERIFY(!near(at(image, 19, int(y)), middle, 4));
 }
 
 void tst_BkCalendarTimeScalePaint::shouldPutTheSecondTickOnTheNextMultipleOfTheStep()
