@@ -2,7 +2,7 @@
 # Installs what the build needs on a Debian 12 machine, but only what is missing.
 set -euo pipefail
 
-packages=(cmake g++ ninja-build pkg-config
+packages=(cmake g++ ninja-build pkg-config fonts-dejavu-core
           qtbase5-dev libqt5svg5-dev qttools5-dev qttools5-dev-tools
           libqt5sql5-sqlite libqt5sql5-psql)
 
