@@ -8,6 +8,7 @@
 #include <QSqlDatabase>
 #include <QVariant>
 
+class QSqlQuery;
 class QWidget;
 
 // The record logic behind an FwTableForm: binds the form's FwPtrEdit and FwPtrColorPicker children
@@ -65,6 +66,7 @@ signals:
 private:
     bool checkNames(const QList<QWidget*>& fields);
     void fail(const QString& error, int line);
+    bool takeFirstRow(QSqlQuery& query, const QList<QWidget*>& bound, bool clearWhenEmpty);
     void setCurrent(const QVariant& id);
 
     QWidget* mForm;

@@ -161,17 +161,8 @@ bool FwTableBase::setVariantId(QVariant id)
         fail(query.lastError().text(), __LINE__);
         return false;
     }
-    if (!query.next()) {
-        initTable(true);
-        mLastError = tr("No record found");
-        emit queryEmpty();
-        return false;
-    }
-    for (int i = 0; i < bound.size(); ++i)
-        setValueOf(bound.at(i), query.value(i + 1));
-    mLastError.clear();
-    setCurrent(normalizedId(query.value(0)));
-    return true;
+    // A record that is gone leaves no stale values behind in the fields.
+    return takeFirstRow(query, bound, true);
 }
 
 QVariant FwTableBase::insertCurrent()
@@ -304,7 +295,16 @@ bool FwTableBase::execute(const QString& filterField, const QString& filterValue
         fail(query.lastError().text(), __LINE__);
         return false;
     }
+    return takeFirstRow(query, bound, false);
+}
+
+// Shows the first row of an executed query (the id, then the bound fields in order) as the current
+// record. Without a row nothing is current, and queryEmpty tells the owner.
+bool FwTableBase::takeFirstRow(QSqlQuery& query, const QList<QWidget*>& bound, bool clearWhenEmpty)
+{
     if (!query.next()) {
+        if (clearWhenEmpty)
+            initTable(true);
         mLastError = tr("No record found");
         emit queryEmpty();
         return false;
