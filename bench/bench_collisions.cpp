@@ -4,58 +4,24 @@
 // after the one before and lasts an hour, so each box overlaps its neighbours and the whole day is
 // one run of n sub-columns.
 
-#include <BkCalendarColorScheme.h>
-#include <BkCalendarColumn.h>
-#include <BkCalendarItem.h>
-#include <BkCalendarItemWidget.h>
-#include <BkCalendarModel.h>
-#include <BkCalendarTimeScale.h>
+#include "BkColumnFixture.h"
 
-#include <QGraphicsScene>
 #include <QtTest>
 
 namespace {
 
-struct Day
+// The test suite's column (working scale, user 1 on one day), 805 wide so that 800 are shared.
+struct Day : BkColumnFixture
 {
     explicit Day(int count)
+        : BkColumnFixture(false, 805.0)
     {
-        scale = new BkCalendarTimeScale();
-        scene.addItem(scale);
-        scale->setInterval(QTime(6, 0), QTime(20, 0));
-        scale->setTimeSteps(15);
-        scale->setMinuteHeight(1.5f);
-        scale->setTopMargin(50.0f);
-        column = new BkCalendarColumn(nullptr, false);
-        scene.addItem(column);
-        column->setTimeScale(scale);
-        column->init(-1.0);
-        column->setColorScheme(&scheme);
-        column->setModel(&model);
-        column->setDate(date);
-        column->setResource(resource);
-        column->setWidthScale(805.0, WidthFixed, -1.0);
         for (int i = 0; i < count; ++i) {
-            auto* item = new BkCalendarItem();
-            item->id = i + 1;
-            item->topColor = Qt::white;
-            item->bottomColor = Qt::lightGray;
-            item->setDate(date);
-            item->setUserId(resource.id);
             const QTime start = QTime(8, 0).addSecs(i * 180);
-            item->setTime(start, start.addSecs(3600));
-            model.addItem(item);
-            items.append(item);
+            items.append(addItem(start, start.addSecs(3600), i + 1));
         }
     }
 
-    QDate date = QDate(2024, 3, 11);
-    BkCalendarResource resource = BkCalendarResource(1, QString(), 0);
-    QGraphicsScene scene;
-    BkCalendarColorScheme scheme;
-    BkCalendarModel model;
-    BkCalendarTimeScale* scale = nullptr;
-    BkCalendarColumn* column = nullptr;
     QList<BkCalendarItem*> items;
 };
 
