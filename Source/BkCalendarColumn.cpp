@@ -1,4 +1,5 @@
 #include "BkCalendarColumn.h"
+#include "BkCalendarClock.h"
 
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarHeader.h"
@@ -194,7 +195,7 @@ BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
     , mMinWidth(100)
     , mScale(nullptr)
     , mScheme(nullptr)
-    , mDate(QDate::currentDate())
+    , mDate(BkCalendarClock::currentDate())
     , mResourceMode(0)
     , mIndex(0)
     , mCustomSize(false)

@@ -1,5 +1,6 @@
 #include "BkCalendarTimeScale.h"
 
+#include "BkCalendarClock.h"
 #include "BkCalendarItemKind.h"
 
 #include <FwApplication.h>
@@ -148,7 +149,7 @@ void BkCalendarTimeScale::update()
 
 void BkCalendarTimeScale::timeUpdated()
 {
-    const QTime now = QTime::currentTime();
+    const QTime now = BkCalendarClock::currentTime();
     mNowY = double(mTopMargin);
     mNowY += double(float(minuteOfDay(now) - minuteOfDay(mStart)) * mMinuteHeight);
     // Only a band of five minutes either side of the marker needs repainting.

@@ -2,6 +2,7 @@
 #define FWCALENDAR_H
 
 // Everything a host needs to embed the booking calendar.
+#include "BkCalendarClock.h"
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
 #include "BkCalendarHeader.h"
