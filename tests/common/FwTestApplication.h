@@ -10,6 +10,9 @@
 //     #include "tst_something.moc"
 //
 // Before the test class is built it:
+//  - pins the time zone to Europe/Berlin and the default locale to English (United States), so
+//    that day names, times and "today" read the same on every machine; a test may set another
+//    locale in its initTestCase;
 //  - turns on QStandardPaths' test mode, so local values (QSettings) go to a scratch place and
 //    never touch the user's own;
 //  - builds an FwApplication, so FwApplication::app() and iApp are set and settings can be written
@@ -27,9 +30,14 @@
 #include <QStandardPaths>
 #include <QtTest>
 
+#include <ctime>
+
 namespace FwTest {
 template <typename TestClass> int runTest(int argc, char** argv, const char* name)
 {
+    qputenv("TZ", "Europe/Berlin");
+    tzset();
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     QStandardPaths::setTestModeEnabled(true);
     FwApplication app(argc, argv);
     app.setAttribute(Qt::AA_Use96Dpi, true);

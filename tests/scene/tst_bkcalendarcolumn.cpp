@@ -5,6 +5,8 @@
 
 #include <FwTestApplication.h>
 
+#include <BkCalendarClock.h>
+
 #include <QGraphicsSceneMouseEvent>
 #include <QGraphicsView>
 #include <QSignalSpy>
@@ -76,11 +78,16 @@ private slots:
     void shouldForwardHeaderActivation();
     void shouldSetHeaderText();
     void shouldKeepRaiseSetting();
+    void shouldStartOnTheDayOfTheClock_data();
+    void shouldStartOnTheDayOfTheClock();
 };
 
 void tst_BkCalendarColumn::initTestCase()
 {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    // A column starts on today's date: the clock stands still, so that midnight never falls
+    // between building a column and looking at it.
+    BkCalendarClock::setFixedNow(QDateTime(QDate(2026, 11, 23), QTime(10, 0)));
     qRegisterMetaType<BkCalendarPlan*>();
     qRegisterMetaType<BkCalendarItem*>();
     qRegisterMetaType<BkCalendarResource>();
@@ -104,7 +111,7 @@ void tst_BkCalendarColumn::shouldBuildWithHeaderAndDefaults()
     QVERIFY(column.plans().isEmpty());
     QVERIFY(!column.timeScale());
     QVERIFY(!column.colorScheme());
-    QCOMPARE(column.date(), QDate::currentDate());
+    QCOMPARE(column.date(), QDate(2026, 11, 23));
     QVERIFY(column.resource().id.isNull());
     QVERIFY(column.resource().name.isEmpty());
     QCOMPARE(column.resource().type, 0);
@@ -752,6 +759,26 @@ void tst_BkCalendarColumn::shouldKeepRaiseSetting()
     QCOMPARE(int(BkCalendarColumn::RaiseOnHover), 1);
     QCOMPARE(int(WidthProportional), 0);
     QCOMPARE(int(WidthFixed), 1);
+}
+
+void tst_BkCalendarColumn::shouldStartOnTheDayOfTheClock_data()
+{
+    QTest::addColumn<QDateTime>("now");
+    QTest::newRow("a Sunday a minute before midnight") << QDateTime(QDate(2026, 11, 22), QTime(23, 59, 59));
+    QTest::newRow("the last day of a month") << QDateTime(QDate(2026, 11, 30), QTime(0, 0));
+    QTest::newRow("the last day of a year") << QDateTime(QDate(2026, 12, 31), QTime(23, 59));
+    QTest::newRow("the day summer time starts") << QDateTime(QDate(2026, 3, 29), QTime(3, 0));
+}
+
+void tst_BkCalendarColumn::shouldStartOnTheDayOfTheClock()
+{
+    QFETCH(QDateTime, now);
+    BkCalendarClock::setFixedNow(now);
+    const QDateTime before = BkCalendarClock::now();
+    BkCalendarClock::setFixedNow(now);
+    BkCalendarColumn column(nullptr, false);
+    BkCalendarClock::setFixedNow(before);
+    QCOMPARE(column.date(), now.date());
 }
 
 FW_TEST_MAIN(tst_BkCalendarColumn)

@@ -1,6 +1,7 @@
 // The time scale's geometry: time to position and back, the rounding of the end to a whole step,
 // the overlap test and the current-time marker's position.
 
+#include <BkCalendarClock.h>
 #include <BkCalendarTimeScale.h>
 
 #include <QApplication>
@@ -54,8 +55,12 @@ private slots:
     void shouldTellWhetherASpanOverlaps_data();
     void shouldTellWhetherASpanOverlaps();
     void shouldAnnounceEveryChange();
+    void shouldPlaceTheMarkerAtTheCurrentTime_data();
     void shouldPlaceTheMarkerAtTheCurrentTime();
+    void shouldMoveTheMarkerWhenTheClockRunsOn();
+    void shouldFollowTheWallClockWhenNotStopped();
     void shouldRepaintTheMarkerBandFromTheMinuteTimer();
+    void cleanup();
 };
 
 void tst_BkCalendarTimeScale::shouldStartWithItsDefaults()
@@ -334,23 +339,69 @@ void tst_BkCalendarTimeScale::shouldAnnounceEveryChange()
     QCOMPARE(scale.rect(), QRectF(0.0, 0.0, 60.0, 1720.0));
 }
 
+void tst_BkCalendarTimeScale::cleanup()
+{
+    BkCalendarClock::setFixedNow(QDateTime());
+}
+
+void tst_BkCalendarTimeScale::shouldPlaceTheMarkerAtTheCurrentTime_data()
+{
+    QTest::addColumn<QDateTime>("now");
+    QTest::addColumn<double>("y");
+    QTest::addColumn<double>("yFromEight");
+    // 06:00 to 20:00 at 1.5 a minute: 06:00 is at 50; a start at 08:00 moves everything up by 180.
+    const QDate monday(2026, 11, 23);
+    QTest::newRow("start of the span") << QDateTime(monday, QTime(6, 0)) << 50.0 << -130.0;
+    QTest::newRow("seconds play no part") << QDateTime(monday, QTime(12, 0, 59, 999)) << 590.0 << 410.0;
+    QTest::newRow("end of the span") << QDateTime(monday, QTime(20, 0)) << 1310.0 << 1130.0;
+    QTest::newRow("before the span, above the strip") << QDateTime(monday, QTime(0, 3)) << -485.5 << -665.5;
+    QTest::newRow("Sunday night, below the strip")
+        << QDateTime(QDate(2026, 11, 22), QTime(23, 59)) << 1668.5 << 1488.5;
+    QTest::newRow("New Year's Eve") << QDateTime(QDate(2026, 12, 31), QTime(19, 59)) << 1308.5 << 1128.5;
+    QTest::newRow("the hour that summer time skips")
+        << QDateTime(QDate(2026, 3, 29), QTime(3, 30)) << -175.0 << -355.0;
+}
+
 void tst_BkCalendarTimeScale::shouldPlaceTheMarkerAtTheCurrentTime()
 {
+    QFETCH(QDateTime, now);
+    QFETCH(double, y);
+    QFETCH(double, yFromEight);
+    BkCalendarClock::setFixedNow(now);
+    BkCalendarTimeScale scale(nullptr);
+    workingDefaults(scale);
+    QCOMPARE(scale.nowY(), y);
+    QCOMPARE(scale.nowY(), expectedNowY(scale, now.time()));
+
+    // A later start moves the marker up by the same number of minutes, outside the strip if need be.
+    scale.setInterval(QTime(8, 0), QTime(20, 0));
+    QCOMPARE(scale.nowY(), yFromEight);
+}
+
+void tst_BkCalendarTimeScale::shouldMoveTheMarkerWhenTheClockRunsOn()
+{
+    BkCalendarClock::setFixedNow(QDateTime(QDate(2026, 11, 23), QTime(9, 0)));
+    BkCalendarTimeScale scale(nullptr);
+    workingDefaults(scale);
+    QCOMPARE(scale.nowY(), 320.0);
+    // Nothing changes until the minute timer fires; its timeout is joined to timeUpdated().
+    BkCalendarClock::setFixedNow(QDateTime(QDate(2026, 11, 23), QTime(9, 10)));
+    QCOMPARE(scale.nowY(), 320.0);
+    const_cast<QTimer*>(scale.timer())->start(10);
+    QTRY_COMPARE(scale.nowY(), 335.0);
+}
+
+void tst_BkCalendarTimeScale::shouldFollowTheWallClockWhenNotStopped()
+{
+    QVERIFY(!BkCalendarClock::isFixed());
     BkCalendarTimeScale scale(nullptr);
     const QTime before = QTime::currentTime();
     workingDefaults(scale);
     const QTime after = QTime::currentTime();
-    // The minute may turn between the two readings.
+    // The minute may turn between the two readings, and midnight may come between them too.
     const double y = scale.nowY();
     QVERIFY2(y == expectedNowY(scale, before) || y == expectedNowY(scale, after),
              qPrintable(QString::number(y)));
-
-    // A later start moves the marker up by the same number of minutes, outside the strip if need be.
-    const double previous = scale.nowY();
-    scale.setInterval(QTime(8, 0), QTime(20, 0));
-    const double moved = previous - 120 * 1.5;
-    QVERIFY2(qAbs(scale.nowY() - moved) < 1e-6 || qAbs(scale.nowY() - (moved + 1.5)) < 1e-6,
-             qPrintable(QString::number(scale.nowY())));
 }
 
 void tst_BkCalendarTimeScale::shouldRepaintTheMarkerBandFromTheMinuteTimer()

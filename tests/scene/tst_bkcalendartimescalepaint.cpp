@@ -4,18 +4,22 @@
 #include "FwTestApplication.h"
 #include "PaintProbe.h"
 
+#include <BkCalendarClock.h>
 #include <BkCalendarTimeScale.h>
 
 #include <FwApplication.h>
 
 #include <QDir>
+
 #include <QPainter>
 #include <QPalette>
+#include <cmath>
 
 using namespace PaintProbe;
 
 namespace {
 const QColor Paper(255, 0, 255);
+const QDateTime NightTime(QDate(2026, 11, 23), QTime(3, 0));
 
 QColor paletteColour(QPalette::ColorRole role)
 {
@@ -147,12 +151,19 @@ private slots:
     void shouldDrawTheMarkerAlsoOnASingleStep();
     void shouldPutTheSecondTickOnTheNextMultipleOfTheStep();
     void shouldDrawTheMarkerAtTheCurrentTime();
+    void shouldDrawTheMarkerOutsideTheSpanWhenTheTimeIs_data();
     void shouldDrawTheMarkerOutsideTheSpanWhenTheTimeIs();
+    void shouldChangeOnlyTheMarkerBandAtAnyHour_data();
+    void shouldChangeOnlyTheMarkerBandAtAnyHour();
 };
 
 void tst_BkCalendarTimeScalePaint::initTestCase()
 {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    // The marker is drawn over the ticks; at 03:00 it stands above every span that the checks of
+    // ticks and labels paint, whatever the hour at which the tests run. The marker's own tests set
+    // the time they need.
+    BkCalendarClock::setFixedNow(NightTime);
     aliasedText();
     // The colours must tell text, lines and fill apart for the pixel checks to mean anything.
     QVERIFY(ink() != line());
@@ -163,6 +174,7 @@ void tst_BkCalendarTimeScalePaint::initTestCase()
 void tst_BkCalendarTimeScalePaint::cleanup()
 {
     setRoundUp(0);
+    BkCalendarClock::setFixedNow(NightTime);
 }
 
 void tst_BkCalendarTimeScalePaint::shouldDrawTheFrame()
@@ -403,18 +415,14 @@ void tst_BkCalendarTimeScalePaint::shouldDrawOnlyTheFirstTickForASingleStep()
 
 void tst_BkCalendarTimeScalePaint::shouldDrawTheMarkerAlsoOnASingleStep()
 {
-    // A one-step scale placed round the present time, so that its marker falls on the picture:
-    // twenty minutes ahead of now (in the top band), or half an hour behind late in the evening.
-    const QTime now = QTime::currentTime();
-    const QTime minute(now.hour(), now.minute());
-    const int shift = minuteOfDay(now) < 23 * 60 ? 20 : -30;
-    const QTime start = minute.addSecs(shift * 60);
+    // A one-step scale that starts twenty minutes after the present time: the marker lies in the
+    // top band.
+    BkCalendarClock::setFixedNow(QDateTime(QDate(2026, 11, 23), QTime(10, 0, 30)));
     BkCalendarTimeScale scale(nullptr);
-    scale.setInterval(start, start.addSecs(15 * 60));
+    scale.setInterval(QTime(10, 20), QTime(10, 35));
     QCOMPARE(scale.loops(), 1);
     const double y = scale.nowY();
-    // The minute may turn between the two readings.
-    QVERIFY2(y == 50.0 - shift || y == 51.0 - shift, qPrintable(QString::number(y)));
+    QCOMPARE(y, 30.0);
 
     const QImage image = paintScale(scale, QStringLiteral("scale-single-marker.png"));
     const QColor middle = blend(Qt::white, scale.highlight(), 0.5);
@@ -448,12 +456,11 @@ void tst_BkCalendarTimeScalePaint::shouldPutTheSecondTickOnTheNextMultipleOfTheS
 void tst_BkCalendarTimeScalePaint::shouldDrawTheMarkerAtTheCurrentTime()
 {
     // The default scale covers the whole day, so the marker is always on it.
-    const QTime before = QTime::currentTime();
+    BkCalendarClock::setFixedNow(QDateTime(QDate(2026, 11, 23), QTime(13, 47, 30)));
     BkCalendarTimeScale scale(nullptr);
-    const QTime after = QTime::currentTime();
     QCOMPARE(scale.minuteHeight(), 1.0f);
     const double y = scale.nowY();
-    QVERIFY(y == 50.0 + minuteOfDay(before) || y == 50.0 + minuteOfDay(after));
+    QCOMPARE(y, 50.0 + 13 * 60 + 47);
 
     const QImage image = paintScale(scale, QStringLiteral("scale-marker.png"));
     const int row = int(y);
@@ -475,29 +482,79 @@ void tst_BkCalendarTimeScalePaint::shouldDrawTheMarkerAtTheCurrentTime()
     QVERIFY(!near(at(image, 50, row), blend(white, scale.highlight(), 0.5), 4));
 }
 
+void tst_BkCalendarTimeScalePaint::shouldDrawTheMarkerOutsideTheSpanWhenTheTimeIs_data()
+{
+    QTest::addColumn<QTime>("now");
+    QTest::newRow("twenty minutes before the start") << QTime(7, 40);
+    QTest::newRow("late in the evening") << QTime(22, 0);
+}
+
 void tst_BkCalendarTimeScalePaint::shouldDrawTheMarkerOutsideTheSpanWhenTheTimeIs()
 {
-    const QTime now = QTime::currentTime();
+    QFETCH(QTime, now);
+    BkCalendarClock::setFixedNow(QDateTime(QDate(2026, 11, 23), now));
     BkCalendarTimeScale scale(nullptr);
+    scale.setInterval(QTime(8, 0), QTime(10, 0));
     const QColor middle = blend(Qt::white, scale.highlight(), 0.5);
-    if (minuteOfDay(now) < 21 * 60) {
-        // Twenty minutes before the start: the marker sits in the top band.
-        const QTime start = QTime(now.hour(), now.minute()).addSecs(20 * 60);
-        scale.setInterval(start, start.addSecs(2 * 3600));
-        const double y = scale.nowY();
-        QVERIFY2(y == 30.0 || y == 31.0, qPrintable(QString::number(y)));
-        const QImage image = paintScale(scale, QStringLiteral("scale-marker-before.png"));
-        QVERIFY(near(at(image, 40, int(y)), middle, 4));
-        QVERIFY(int(y) + 1 < 50);
+    const QImage image = paintScale(scale, QStringLiteral("scale-marker-%1.png").arg(now.hour()));
+    if (now < QTime(8, 0)) {
+        // Shortly before the start the marker sits in the top band.
+        QCOMPARE(scale.nowY(), 30.0);
+        QVERIFY(near(at(image, 40, 30), middle, 4));
     } else {
-        // Late in the day, a morning scale: the marker lies below the strip and is not seen.
-        scale.setInterval(QTime(0, 0), QTime(1, 0));
+        // Long after the end it lies below the strip and is not seen.
+        QCOMPARE(scale.nowY(), 50.0 + 14 * 60);
         QVERIFY(scale.nowY() > scale.rect().height() + 1.0);
-        const QImage image = paintScale(scale, QStringLiteral("scale-marker-after.png"));
         for (int y = 0; y < image.height(); ++y)
             for (int x = 20; x < 50; ++x)
                 QVERIFY(!near(at(image, x, y), middle, 4));
     }
+}
+
+void tst_BkCalendarTimeScalePaint::shouldChangeOnlyTheMarkerBandAtAnyHour_data()
+{
+    QTest::addColumn<QDateTime>("now");
+    QTest::newRow("06:00, on the first tick") << QDateTime(QDate(2026, 11, 23), QTime(6, 0));
+    QTest::newRow("08:00, on an hour line") << QDateTime(QDate(2026, 11, 23), QTime(8, 0));
+    QTest::newRow("12:00 on a Monday") << QDateTime(QDate(2026, 11, 23), QTime(12, 0));
+    QTest::newRow("19:50 on a Sunday") << QDateTime(QDate(2026, 11, 22), QTime(19, 50));
+    QTest::newRow("the day summer time ends") << QDateTime(QDate(2026, 10, 25), QTime(14, 30));
+}
+
+void tst_BkCalendarTimeScalePaint::shouldChangeOnlyTheMarkerBandAtAnyHour()
+{
+    // The same scale painted at night and at the given time: the marker, three rows from x 20, is
+    // the one difference, wherever it falls among the ticks and labels.
+    QFETCH(QDateTime, now);
+    BkCalendarTimeScale night(nullptr);
+    night.setMinuteHeight(1.5f);
+    night.setInterval(QTime(6, 0), QTime(20, 0));
+    const QImage reference = paintScale(night, QStringLiteral("scale-night.png"));
+
+    BkCalendarClock::setFixedNow(now);
+    BkCalendarTimeScale scale(nullptr);
+    scale.setMinuteHeight(1.5f);
+    scale.setInterval(QTime(6, 0), QTime(20, 0));
+    const double y = 50.0 + 1.5 * (minuteOfDay(now.time()) - 6 * 60);
+    QCOMPARE(scale.nowY(), y);
+    const QImage image = paintScale(scale, QStringLiteral("scale-at-%1.png").arg(now.time().hour()));
+
+    // Three units tall from y - 1; half a unit off the pixel grid it touches four rows.
+    const int top = int(std::floor(y - 1.0));
+    const QRect band(20, top, 30, int(std::ceil(y + 2.0)) - top);
+    int changed = 0;
+    for (int py = 0; py < image.height(); ++py)
+        for (int px = 0; px < image.width(); ++px) {
+            if (band.contains(px, py)) {
+                changed += image.pixel(px, py) != reference.pixel(px, py);
+                continue;
+            }
+            QVERIFY2(image.pixel(px, py) == reference.pixel(px, py),
+                     qPrintable(QStringLiteral("(%1, %2)").arg(px).arg(py)));
+        }
+    QVERIFY(changed > 0);
+    const QColor middle = blend(Qt::white, scale.highlight(), 0.5);
+    QVERIFY2(near(at(image, 40, int(y)), middle, 4), qPrintable(at(image, 40, int(y)).name()));
 }
 
 FW_TEST_MAIN(tst_BkCalendarTimeScalePaint)
