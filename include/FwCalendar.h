@@ -15,6 +15,7 @@
 #include "BkCalendarScene.h"
 #include "BkCalendarStatusEntry.h"
 #include "BkCalendarTimeScale.h"
+#include "BkCalendarUserList.h"
 #include "FwCalendarGlobal.h"
 
 #endif // FWCALENDAR_H
