@@ -13,6 +13,7 @@
 #include "BkCalendarModel.h"
 #include "BkCalendarRecords.h"
 #include "BkCalendarScene.h"
+#include "BkCalendarStatus.h"
 #include "BkCalendarStatusEntry.h"
 #include "BkCalendarTimeScale.h"
 #include "BkCalendarUserList.h"
