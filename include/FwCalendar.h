@@ -13,8 +13,10 @@
 #include "BkCalendarModel.h"
 #include "BkCalendarRecords.h"
 #include "BkCalendarScene.h"
+#include "BkCalendarStatus.h"
 #include "BkCalendarStatusEntry.h"
 #include "BkCalendarTimeScale.h"
+#include "BkCalendarUserList.h"
 #include "FwCalendarGlobal.h"
 
 #endif // FWCALENDAR_H

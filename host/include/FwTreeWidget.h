@@ -16,6 +16,9 @@ class FWWIDGETS_EXPORT FwTreeWidget : public QTreeWidget
     Q_OBJECT
     Q_PROPERTY(QString headers READ headers WRITE setHeaders)
     Q_PROPERTY(QString headerSizes READ headerSizes WRITE setHeaderSizes)
+    // Set from the generated set-up code of the dialogs that hold the tree.
+    Q_PROPERTY(QString sql READ sql WRITE setSql)
+    Q_PROPERTY(QString orderBy READ orderBy WRITE setOrderBy)
 
 public:
     explicit FwTreeWidget(QWidget* parent = nullptr);

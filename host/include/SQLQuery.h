@@ -19,6 +19,8 @@ public:
 
     // `forwardOnly` lets the driver stream the rows, for queries that are read once.
     bool prepare(const QString& query, bool forwardOnly = true);
+    // Runs the prepared statement. After a failed prepare it fails too, and lastError keeps the
+    // reason the statement was refused for.
     bool exec();
     bool exec(const QString& query);
 
@@ -46,6 +48,8 @@ public:
 
 private:
     QSqlQuery mQuery;
+    // Why the last prepare failed; invalid after a successful one and after exec(QString).
+    QSqlError mPrepareError;
 };
 
 #endif // SQLQUERY_H

@@ -12,16 +12,22 @@ SQLQuery::SQLQuery(const QString& query, SQLDatabase database)
 bool SQLQuery::prepare(const QString& query, bool forwardOnly)
 {
     mQuery.setForwardOnly(forwardOnly);
-    return mQuery.prepare(query);
+    const bool prepared = mQuery.prepare(query);
+    mPrepareError = prepared ? QSqlError() : mQuery.lastError();
+    return prepared;
 }
 
 bool SQLQuery::exec()
 {
+    // Running a refused statement would only replace its reason with the driver's "no query".
+    if (mPrepareError.isValid())
+        return false;
     return mQuery.exec();
 }
 
 bool SQLQuery::exec(const QString& query)
 {
+    mPrepareError = QSqlError();
     return mQuery.exec(query);
 }
 
@@ -82,7 +88,7 @@ QVariant SQLQuery::lastInsertId() const
 
 QSqlError SQLQuery::lastError() const
 {
-    return mQuery.lastError();
+    return mPrepareError.isValid() ? mPrepareError : mQuery.lastError();
 }
 
 QString SQLQuery::lastQuery() const
@@ -92,5 +98,5 @@ QString SQLQuery::lastQuery() const
 
 void SQLQuery::debugLastError(const QString& source, int line) const
 {
-    FwLog::log(QStringLiteral("[%1:%2] %3").arg(source).arg(line).arg(mQuery.lastError().text()));
+    FwLog::log(QStringLiteral("[%1:%2] %3").arg(source).arg(line).arg(lastError().text()));
 }

@@ -59,6 +59,7 @@ private slots:
     void shouldTakeHeadersFromText();
     void shouldSizeColumnsFromText();
     void shouldKeepSqlAndOrder();
+    void shouldTakeSqlAndOrderAsProperties();
     void shouldNotSelectHeadingsByClick();
     void shouldNotSelectHeadingsByProgram();
     void shouldSelectOrdinaryRows();
@@ -136,6 +137,22 @@ void tst_FwTreeWidget::shouldKeepSqlAndOrder()
     mTree->setOrderBy(QStringLiteral("usr_initials"));
     QCOMPARE(mTree->sql(), QStringLiteral("SELECT id,usr_initials,usr_name FROM tbl_user"));
     QCOMPARE(mTree->orderBy(), QStringLiteral("usr_initials"));
+}
+
+// Designer and the generated set-up code of a dialog reach them by property name.
+void tst_FwTreeWidget::shouldTakeSqlAndOrderAsProperties()
+{
+    QVERIFY(mTree->setProperty("sql", QStringLiteral("SELECT id,fw_text FROM tbl_resource")));
+    QVERIFY(mTree->setProperty("orderBy", QStringLiteral("fw_text")));
+    QCOMPARE(mTree->sql(), QStringLiteral("SELECT id,fw_text FROM tbl_resource"));
+    QCOMPARE(mTree->orderBy(), QStringLiteral("fw_text"));
+    mTree->setSql(QStringLiteral("SELECT id FROM tbl_user"));
+    mTree->setOrderBy(QStringLiteral("id"));
+    QCOMPARE(mTree->property("sql").toString(), QStringLiteral("SELECT id FROM tbl_user"));
+    QCOMPARE(mTree->property("orderBy").toString(), QStringLiteral("id"));
+    const QMetaObject* meta = mTree->metaObject();
+    QVERIFY(meta->property(meta->indexOfProperty("sql")).isWritable());
+    QVERIFY(meta->property(meta->indexOfProperty("orderBy")).isWritable());
 }
 
 void tst_FwTreeWidget::shouldNotSelectHeadingsByClick()

@@ -16,6 +16,7 @@ private slots:
     void shouldBindValuesAsData();
     void shouldReturnFalseOnBadStatement();
     void shouldLogLastErrorWithSourceAndLine();
+    void shouldKeepTheReasonOfAFailedPrepareThroughExec();
     void shouldFailWithoutConnection();
     void shouldRunAQueryGivenToTheConstructor();
 };
@@ -78,6 +79,29 @@ void tst_SQLQuery::shouldLogLastErrorWithSourceAndLine()
     const QString line = QStringLiteral("[Source/BkCalendarUserList:35] %1").arg(error);
     QTest::ignoreMessage(QtInfoMsg, qPrintable(line));
     query.debugLastError(QStringLiteral("Source/BkCalendarUserList"), 35);
+}
+
+// Callers prepare, execute, and only then ask what went wrong.
+void tst_SQLQuery::shouldKeepTheReasonOfAFailedPrepareThroughExec()
+{
+    SQLQuery query(QString(), SQLDatabase{});
+    QVERIFY(!query.prepare(QStringLiteral("SELECT id,fw_text FROM tbl_missing ORDER BY fw_text"), true));
+    QVERIFY(!query.exec());
+    QVERIFY(!query.next());
+    QVERIFY(query.lastError().text().contains(QStringLiteral("tbl_missing")));
+    QTest::ignoreMessage(QtInfoMsg,
+                         QRegularExpression(QStringLiteral("^\\[Source/Test:59\\] .*tbl_missing")));
+    query.debugLastError(QStringLiteral("Source/Test"), 59);
+
+    // A good statement afterwards runs, and the old reason is gone.
+    QVERIFY(query.prepare(QStringLiteral("SELECT COUNT(*) FROM tbl_resource"), true));
+    QVERIFY(query.exec());
+    QVERIFY(query.next());
+    QCOMPARE(query.value(0).toInt(), 2);
+    QVERIFY(!query.lastError().isValid());
+    QVERIFY(!query.prepare(QStringLiteral("SELEKT 1"), true));
+    QVERIFY(query.exec(QStringLiteral("SELECT 1")));
+    QVERIFY(!query.lastError().isValid());
 }
 
 void tst_SQLQuery::shouldFailWithoutConnection()
