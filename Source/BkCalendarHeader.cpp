@@ -212,5 +212,9 @@ void BkCalendarHeader::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 
 void BkCalendarHeader::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
 {
-    QGraphicsItem::mouseDoubleClickEvent(event);
+    // In the group view this lets the user choose who the column shows; in the day view nobody
+    // listens. The base class would only treat it as a second press.
+    Q_UNUSED(event)
+    if (mColumn)
+        mColumn->emitHeaderActivated();
 }

@@ -17,6 +17,7 @@
 #include "BkCalendarStatusEntry.h"
 #include "BkCalendarTimeScale.h"
 #include "BkCalendarUserList.h"
+#include "BkCalendarView.h"
 #include "FwCalendarGlobal.h"
 
 #endif // FWCALENDAR_H

@@ -1,0 +1,526 @@
+#include "BkCalendarView.h"
+
+#include "BkCalendarClock.h"
+#include "BkCalendarInfoWidget.h"
+#include "BkCalendarModel.h"
+#include "BkCalendarScene.h"
+#include "BkCalendarTimeScale.h"
+#include "BkCalendarUserList.h"
+
+#include <FwApplication.h>
+#include <FwLog.h>
+#include <SQLDatabase.h>
+#include <SQLQuery.h>
+
+#include <QKeyEvent>
+#include <QResizeEvent>
+#include <QScrollBar>
+#include <QStringList>
+#include <QTimer>
+
+BkCalendarView::BkCalendarView(QWidget* parent)
+    : QGraphicsView(parent)
+    , mModel(nullptr)
+    , mScale(nullptr)
+    , mInfo(nullptr)
+    , mDayMode(1)
+    , mScene(nullptr)
+    , mDate()
+    , mSelectedDate()
+    , mResource()
+    , mMinWidth(100.0)
+    , mWidthType(WidthProportional)
+    , mWeekStart(Qt::Monday)
+    // setDays reads it before any host has had a say: the first kind, a short box grows on a click.
+    , mRaise(BkCalendarColumn::RaiseOnClick)
+    , mScrollDx(0)
+    , mColumns()
+    , mScheme()
+{
+    mScene = new BkCalendarScene();
+    setScene(mScene);
+    setDate(BkCalendarClock::currentDate());
+    setAlignment(Qt::AlignLeft | Qt::AlignTop);
+
+    // The calendar's working look: 06:00 to 20:00 in quarters, one and a half units a minute.
+    mScale = new BkCalendarTimeScale(nullptr);
+    mScale->setInterval(QTime(6, 0), QTime(20, 0));
+    mScale->setTimeSteps(15);
+    mScale->setMinuteHeight(1.5f);
+    mScale->setTopMargin(50.0f);
+    mScale->setZValue(50.0);
+    connect(mScale, &BkCalendarTimeScale::updated, this, &BkCalendarView::updateWidgets);
+    mScene->addItem(mScale);
+
+    setDays(1);
+    loadCalendarStatus();
+}
+
+BkCalendarView::~BkCalendarView()
+{
+    // The scene takes the columns, the scale and the info widget with it.
+    mColumns.clear();
+    mInfo = nullptr;
+    mScale = nullptr;
+    delete mScene;
+}
+
+void BkCalendarView::setModel(BkCalendarModel* model)
+{
+    mModel = model;
+    mScene->setModel(model);
+    for (BkCalendarColumn* column : qAsConst(mColumns))
+        column->setModel(model);
+}
+
+QList<QGraphicsItem*> BkCalendarView::selectedItems() const
+{
+    return mScene->selectedItems();
+}
+
+BkCalendarColumn* BkCalendarView::getSelectedColumn() const
+{
+    for (BkCalendarColumn* column : mColumns)
+        if (column->isSelected())
+            return column;
+    return nullptr;
+}
+
+void BkCalendarView::setRaise(BkCalendarColumn::Raise raise)
+{
+    mRaise = raise;
+    for (BkCalendarColumn* column : qAsConst(mColumns))
+        column->setRaise(raise);
+}
+
+void BkCalendarView::deleteColumns()
+{
+    while (!mColumns.isEmpty())
+        delete mColumns.takeLast();
+}
+
+void BkCalendarView::relayColumn(BkCalendarColumn* column)
+{
+    connect(column, &BkCalendarColumn::dateSelected, this, &BkCalendarView::dateSelected);
+    connect(column, &BkCalendarColumn::itemActivated, this, &BkCalendarView::itemActivated);
+    connect(column, &BkCalendarColumn::planActivated, this, &BkCalendarView::planActivated);
+    connect(column, &BkCalendarColumn::itemContextMenu, this, &BkCalendarView::itemContextMenu);
+    connect(column, &BkCalendarColumn::planContextMenu, this, &BkCalendarView::planContextMenu);
+}
+
+void BkCalendarView::setDays(int days)
+{
+    mDayMode = 1;
+    // An info widget stays: only a new group takes it away.
+    deleteColumns();
+
+    for (int i = 0; i < days; ++i) {
+        auto* column = new BkCalendarColumn(nullptr, false);
+        column->setRaise(mRaise);
+        column->setTimeScale(mScale);
+        column->init(-1.0);
+        column->setColorScheme(&mScheme);
+        column->update();
+        column->setModel(mModel);
+        column->setIndex(i);
+        column->initSavedValue();
+        column->setResourceMode(0);
+        column->update();
+        column->setDate(mDate.addDays(i));
+        column->update();
+        column->setResource(mResource);
+        column->update();
+        column->setMinWidth(int(mMinWidth));
+
+        connect(column, qOverload<>(&BkCalendarColumn::widthChanged), this, &BkCalendarView::calculateSizes);
+        // A header double click means nothing for the days of one person.
+        relayColumn(column);
+        mScene->addItem(column);
+        mColumns.append(column);
+    }
+
+    calculateSizes();
+    for (BkCalendarColumn* column : qAsConst(mColumns))
+        column->setSelected(column->date() == mSelectedDate);
+    resizeEvent(nullptr);
+}
+
+void BkCalendarView::setResources(QList<BkCalendarResource> resources)
+{
+    mDayMode = 0;
+    if (mInfo) {
+        delete mInfo;
+        mInfo = nullptr;
+    }
+    deleteColumns();
+
+    if (resources.isEmpty()) {
+        showInfo(0);
+        return;
+    }
+
+    for (int i = 0; i < resources.count(); ++i) {
+        const BkCalendarResource& resource = resources.at(i);
+        // Without a model nothing is known of the schedules, and nobody is hidden.
+        if (mModel && mModel->plans(mDate, resource).isEmpty() && FwApplication::app() &&
+            FwApplication::app()->getValue(QStringLiteral("set_hideempty"), QString()).toInt() == 1)
+            continue;
+
+        auto* column = new BkCalendarColumn(nullptr, true);
+        column->setHeaderText(resource.name);
+        column->setRaise(mRaise);
+        column->setTimeScale(mScale);
+        column->init(-1.0);
+        column->setResourceMode(1);
+        column->update();
+        column->setColorScheme(&mScheme);
+        column->update();
+        column->setDate(mDate);
+        column->update();
+        column->setResource(resource);
+        column->update();
+        column->setModel(mModel);
+        // The position in the group, so that hidden members leave gaps.
+        column->setIndex(i);
+        column->initSavedValue();
+        column->setMinWidth(int(mMinWidth));
+
+        connect(column, &BkCalendarColumn::headerActivated, this, &BkCalendarView::headerActivated);
+        connect(column, qOverload<>(&BkCalendarColumn::widthChanged), this, &BkCalendarView::calculateSizes);
+        // A placeholder has nobody's dates or bookings to report.
+        if (!resource.id.isNull())
+            relayColumn(column);
+        mScene->addItem(column);
+        mColumns.append(column);
+    }
+
+    calculateSizes();
+    for (BkCalendarColumn* column : qAsConst(mColumns))
+        column->setSelected(column->resource().type == mResource.type &&
+                            column->resource().id == mResource.id);
+    if (!mColumns.isEmpty()) {
+        resizeEvent(nullptr);
+        return;
+    }
+    // Every member was hidden for an empty schedule.
+    showInfo(1);
+}
+
+void BkCalendarView::showInfo(int type)
+{
+    mInfo = new BkCalendarInfoWidget(type, nullptr);
+    mInfo->setMargin(int(mScale->width()));
+    connect(this, qOverload<int, int>(&BkCalendarView::sizeChanged), mInfo,
+            &BkCalendarInfoWidget::sizeChanged);
+    mScene->addItem(mInfo);
+    resizeEvent(nullptr);
+}
+
+void BkCalendarView::setDate(QDate date)
+{
+    const qint64 offset = mDate.daysTo(date);
+    mSelectedDate = date;
+    if (mDayMode && offset >= 0 && offset < mColumns.count() && mDate.dayOfWeek() == mWeekStart) {
+        // Already on show: only the highlight moves.
+        for (BkCalendarColumn* column : qAsConst(mColumns))
+            column->setSelected(false);
+        BkCalendarColumn* column = mColumns.at(int(offset));
+        column->setSelected(true);
+        column->setFocus(Qt::OtherFocusReason);
+        return;
+    }
+    mDate = date;
+    update();
+}
+
+void BkCalendarView::update()
+{
+    if (!mDayMode) {
+        for (BkCalendarColumn* column : qAsConst(mColumns)) {
+            column->setDate(mDate);
+            column->update();
+        }
+        return;
+    }
+
+    if (mColumns.count() >= 2) {
+        // The week rule: a date within reach of the week start shows from the week start on. A week
+        // start later in the week than the date gives a negative distance, and the range moves
+        // forward to the coming week start; hosts rely on that.
+        const int back = mDate.dayOfWeek() - int(mWeekStart);
+        if (back < mColumns.count())
+            mDate = mDate.addDays(-back);
+    }
+
+    for (int i = 0; i < mColumns.count(); ++i) {
+        BkCalendarColumn* column = mColumns.at(i);
+        const QDate date = mDate.addDays(i);
+        column->setDate(date);
+        column->update();
+        column->setResource(mResource);
+        column->update();
+        column->setSelected(date == mSelectedDate);
+    }
+}
+
+void BkCalendarView::setResource(BkCalendarResource resource)
+{
+    mResource = resource;
+    if (mDayMode) {
+        for (BkCalendarColumn* column : qAsConst(mColumns)) {
+            column->setResource(resource);
+            column->update();
+        }
+    }
+    emit resourceSelected(resource);
+}
+
+void BkCalendarView::updateWidgets()
+{
+    for (BkCalendarColumn* column : qAsConst(mColumns))
+        column->update();
+    QRectF rect = mScene->itemsBoundingRect();
+    rect.setLeft(0.0);
+    mScene->setSceneRect(rect);
+}
+
+void BkCalendarView::loadCalendarStatus()
+{
+    SQLQuery query{QString(), SQLDatabase()};
+    mScheme.statusColors.clear();
+    if (!query.prepare(QStringLiteral("SELECT id,fw_name,fw_color FROM tbl_casestage")) || !query.exec())
+        return;
+    while (query.next()) {
+        // A row without a numeric id cannot be told apart from status 0; it is left out rather than
+        // overwrite that status. A colour that does not parse is kept as an invalid colour.
+        bool ok = false;
+        const int id = query.value(0).toInt(&ok);
+        if (!ok)
+            continue;
+        BkCalendarStatusEntry& entry = mScheme.statusColors[id];
+        entry.name = query.value(1).toString();
+        QColor color;
+        color.setNamedColor(query.value(2).toString());
+        entry.color = color;
+    }
+}
+
+void BkCalendarView::keyPressEvent(QKeyEvent* event)
+{
+    // Plain arrows scroll or move the focused booking; everything, arrows included, goes on to the
+    // form, which handles the calendar's keys.
+    switch (event->key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Up:
+    case Qt::Key_Right:
+    case Qt::Key_Down:
+        if (event->modifiers() == Qt::NoModifier)
+            QGraphicsView::keyPressEvent(event);
+        break;
+    default:
+        break;
+    }
+    event->ignore();
+}
+
+void BkCalendarView::resizeEvent(QResizeEvent* event)
+{
+    const QSize size = event ? event->size() : this->size();
+    int w = size.width();
+    int h = size.height();
+    if (verticalScrollBar()->isVisible())
+        w -= verticalScrollBar()->width();
+    if (horizontalScrollBar()->isVisible())
+        h -= horizontalScrollBar()->height();
+    emit sizeChanged(w);
+    emit sizeChanged(w, h);
+    calculateSizes();
+}
+
+void BkCalendarView::calculateSizes()
+{
+    const double widget = double(width());
+    double taken = double(mScale->width() + 5.0f);
+    int custom = 0;
+    for (BkCalendarColumn* column : qAsConst(mColumns)) {
+        if (column->customSize()) {
+            taken += column->widthScale();
+            ++custom;
+        }
+    }
+    const int rest = mColumns.count() - custom;
+    const bool overflow = rest * mMinWidth + taken > widget;
+    mWidthType = overflow ? WidthFixed : WidthProportional;
+    // With every column custom this divides by zero; the infinite width is ignored by all of them.
+    const double share = overflow ? mMinWidth : (widget - taken) / rest;
+
+    double x = 0.0;
+    for (BkCalendarColumn* column : qAsConst(mColumns))
+        x += column->setWidthScale(share, mWidthType, x);
+
+    updateWidgets();
+    QRectF rect = mScene->itemsBoundingRect();
+    rect.setLeft(0.0);
+    QGraphicsView::setSceneRect(rect);
+}
+
+void BkCalendarView::setWidthType(WidthType type)
+{
+    mWidthType = type;
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    if (type == WidthFixed) {
+        for (BkCalendarColumn* column : qAsConst(mColumns))
+            column->setWidthScale(mMinWidth, WidthFixed, -1.0);
+    } else {
+        ensureVisible(QRectF(0, 0, 1, 1), 50, 50);
+        for (BkCalendarColumn* column : qAsConst(mColumns))
+            column->setWidthScale(1.0 / mColumns.count(), type, -1.0);
+    }
+    resizeEvent(nullptr);
+}
+
+void BkCalendarView::setWidth(double width, WidthType type)
+{
+    mWidthType = type;
+    mMinWidth = width;
+    // Unlike setWidthType, the vertical policy stays as it is.
+    setHorizontalScrollBarPolicy(type == WidthFixed ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    for (BkCalendarColumn* column : qAsConst(mColumns))
+        column->setWidthScale(width, type, -1.0);
+}
+
+void BkCalendarView::setMinWidth(int width)
+{
+    // Takes effect at the next calculation; existing columns keep the drag limit they were built with.
+    mMinWidth = width;
+}
+
+void BkCalendarView::setMinuteHeight(double height)
+{
+    mScale->setMinuteHeight(float(height));
+}
+
+double BkCalendarView::minuteHeight() const
+{
+    return double(mScale->minuteHeight());
+}
+
+void BkCalendarView::setTimeSteps(int minutes)
+{
+    if (mScale)
+        mScale->setTimeSteps(minutes);
+}
+
+void BkCalendarView::setInterval(QTime start, QTime end)
+{
+    mScale->setInterval(start, end);
+}
+
+void BkCalendarView::setWeekStarts(Qt::DayOfWeek day)
+{
+    mWeekStart = day;
+}
+
+void BkCalendarView::scrollContentsBy(int dx, int dy)
+{
+    QGraphicsView::scrollContentsBy(dx, dy);
+    if (mScale) {
+        // The scale follows once the scroll is over, never from inside it; scrolls in between add up.
+        mScrollDx += dx;
+        QTimer::singleShot(0, this, &BkCalendarView::moveScale);
+    }
+
+    const QScrollBar* bar = verticalScrollBar();
+    FwLog::log(QStringLiteral("[%1:%2] %3")
+                   .arg(QStringLiteral("Source/BkCalendarView"))
+                   .arg(655)
+                   .arg(QStringLiteral("scrollContentsBy( %1 , %2 ) => %3,%4")
+                            .arg(dx)
+                            .arg(dy)
+                            .arg(bar->value())
+                            .arg(bar->minimum())));
+
+    // The headers stay at the top edge of the viewport.
+    const int distance = bar->value() - bar->minimum();
+    for (BkCalendarColumn* column : qAsConst(mColumns))
+        mScene->update(column->moveHeader(distance));
+}
+
+void BkCalendarView::moveScale()
+{
+    const QPointF position = mScale->pos();
+    const QRectF before = mScale->sceneBoundingRect();
+    mScale->setPos(position.x() - mScrollDx, position.y());
+    const QRectF after = mScale->sceneBoundingRect();
+    mScene->update(before | after);
+    mScrollDx = 0;
+}
+
+void BkCalendarView::headerActivated(BkCalendarColumn* column, BkCalendarResource resource)
+{
+    if (!FwApplication::app())
+        return;
+
+    auto* dialog = new BkCalendarUserList(this);
+    dialog->setResource(resource);
+    if (dialog->exec() == QDialog::Accepted) {
+        const QVariant chosen = dialog->id();
+        if (chosen.isNull()) {
+            mScene->removeItem(column);
+            mColumns.removeAll(column);
+            delete column;
+        } else {
+            column->setHeaderText(dialog->name());
+            column->setResource(dialog->resource());
+            column->update();
+            // Joined at every pick: a column picked twice reports each signal twice, as hosts know it.
+            relayColumn(column);
+
+            if (resource.id.isNull()) {
+                // The placeholder was filled: a new one stands behind it.
+                auto* placeholder = new BkCalendarColumn(nullptr, true);
+                connect(placeholder, qOverload<>(&BkCalendarColumn::widthChanged), this,
+                        &BkCalendarView::calculateSizes);
+                placeholder->setHeaderText(tr("Double click to set"));
+                placeholder->setRaise(mRaise);
+                placeholder->setTimeScale(mScale);
+                placeholder->init(-1.0);
+                placeholder->setResourceMode(1);
+                placeholder->update();
+                placeholder->setColorScheme(&mScheme);
+                placeholder->update();
+                placeholder->setDate(mDate);
+                placeholder->update();
+                placeholder->setResource(resource);
+                placeholder->update();
+                placeholder->setModel(mModel);
+                placeholder->setMinWidth(int(mMinWidth));
+                connect(placeholder, &BkCalendarColumn::headerActivated, this,
+                        &BkCalendarView::headerActivated);
+                mScene->addItem(placeholder);
+                mColumns.append(placeholder);
+            }
+        }
+        saveGroup();
+    }
+
+    delete dialog;
+    resizeEvent(nullptr);
+    updateWidgets();
+}
+
+void BkCalendarView::saveGroup()
+{
+    // The group as "id:type" entries; the host reads it back for the next group view.
+    QStringList group;
+    for (int i = 0; i < mColumns.count(); ++i) {
+        BkCalendarColumn* column = mColumns.at(i);
+        group << QStringLiteral("%1:%2").arg(column->resource().id.toInt()).arg(column->resource().type);
+        column->setIndex(i);
+        column->initSavedValue();
+    }
+    calculateSizes();
+    FwApplication::app()->setValue(QVariant(group.join(QLatin1Char(','))),
+                                   QStringLiteral("usr_bookinggrouplist"), QStringLiteral("tbl_user"));
+}

@@ -1,0 +1,733 @@
+// The calendar view: days of one person or one day of a group, the week rule, the status colours,
+// the info messages, the keys, and the scene that takes a drag preview back.
+
+#include "FwTestApplication.h"
+
+#include <BkCalendarClock.h>
+#include <BkCalendarColumn.h>
+#include <BkCalendarHeader.h>
+#include <BkCalendarInfoWidget.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarModel.h>
+#include <BkCalendarScene.h>
+#include <BkCalendarTimeScale.h>
+#include <BkCalendarView.h>
+
+#include <FwApplication.h>
+#include <SQLQuery.h>
+
+#include <QGraphicsSceneDragDropEvent>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QSignalSpy>
+
+namespace {
+// A Wednesday; the week around it runs from Monday 23 to Sunday 29 November.
+const QDate Wednesday(2026, 11, 25);
+const QDate Monday(2026, 11, 23);
+
+QList<QDate> columnDates(const BkCalendarView& view)
+{
+    QList<QDate> dates;
+    for (BkCalendarColumn* column : view.getColumnList())
+        dates << column->date();
+    return dates;
+}
+
+QList<QDate> daysFrom(const QDate& first, int count)
+{
+    QList<QDate> dates;
+    for (int i = 0; i < count; ++i)
+        dates << first.addDays(i);
+    return dates;
+}
+
+QList<int> selectedIndices(const BkCalendarView& view)
+{
+    QList<int> selected;
+    const QList<BkCalendarColumn*> columns = view.getColumnList();
+    for (int i = 0; i < columns.count(); ++i)
+        if (columns.at(i)->isSelected())
+            selected << i;
+    return selected;
+}
+
+void setHideEmpty(int value)
+{
+    FwApplication::app()->setValue(value, QStringLiteral("set_hideempty"), QString());
+}
+
+void addPlan(BkCalendarModel& model, const QDate& date, const BkCalendarResource& who)
+{
+    auto* plan = new BkCalendarPlan;
+    plan->date = date;
+    plan->resource = who;
+    plan->start = QTime(8, 0);
+    plan->end = QTime(12, 0);
+    plan->bookable = true;
+    model.addItem(plan);
+}
+
+BkCalendarItem* addBooking(BkCalendarModel& model, const QVariant& id, const QDate& date,
+                           const QVariant& user, QTime start, QTime end)
+{
+    auto* item = new BkCalendarItem;
+    item->id = id;
+    item->setDate(date);
+    item->setUserId(user);
+    item->setTime(start, end);
+    model.addItem(item);
+    return item;
+}
+
+// The model answers every load with nothing, so that reads stay quiet.
+struct ViewFixture
+{
+    ViewFixture() { view.setModel(&model); }
+    BkCalendarModel model;
+    BkCalendarView view;
+};
+} // namespace
+
+class tst_BkCalendarView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void shouldBuildWithTheWorkingDefaults();
+    void shouldOfferDateAndDaysAsProperties();
+    void shouldLoadTheStatusColours();
+    void shouldKeepAnUnreadableColourAndSkipAnUnnumberedRow();
+    void shouldClearTheStatusColoursWhenTheQueryFails();
+
+    void shouldShowConsecutiveDaysFromTheWeekStart_data();
+    void shouldShowConsecutiveDaysFromTheWeekStart();
+    void shouldBuildDayColumnsInTheirOrder();
+    void shouldBuildDaysFromTheFirstDateUntilTheNextDateIsSet();
+    void shouldLeaveNoColumnsForNoDays();
+    void shouldRelayDayColumnSignals();
+    void shouldOnlyMoveTheHighlightWithinTheShownWeek();
+    void shouldReanchorADateOutsideTheShownWeek();
+    void shouldReanchorARangeThatDoesNotStartOnTheWeekStart();
+    void shouldOnlySelectInAOneColumnViewOnTheWeekStart();
+    void shouldRewriteEveryDateInResourceMode();
+    void shouldHandEveryDayColumnTheResource();
+    void shouldLeaveResourceColumnsAloneOnSetResource();
+
+    void shouldAskForAGroupWhenTheListIsEmpty();
+    void shouldTellOfEmptySchedulesWhenAllAreHidden();
+    void shouldKeepAnEmptyScheduleWithoutHideEmpty();
+    void shouldLeaveGapsInIndicesForHiddenResources();
+    void shouldNotRelayThePlaceholder();
+    void shouldSelectTheResourceColumnByTypeAndId();
+    void shouldKeepTheInfoWidgetUntilTheNextGroup();
+    void shouldBuildResourceColumnsWithGrip();
+
+    void shouldHandTheModelAndRaiseToEveryColumn();
+    void shouldStretchTheSceneToTheLeftEdge();
+    void shouldScrollOnlyOnPlainArrows_data();
+    void shouldScrollOnlyOnPlainArrows();
+    void shouldPassEveryKeyOnToTheForm();
+    void shouldTakeTheDragPreviewBackWhenTheDragLeavesTheScene();
+    void shouldIgnoreForeignDragsLeavingTheScene_data();
+    void shouldIgnoreForeignDragsLeavingTheScene();
+
+private:
+    void makeCaseStage();
+};
+
+void tst_BkCalendarView::initTestCase()
+{
+    qRegisterMetaType<BkCalendarResource>();
+    qRegisterMetaType<BkCalendarItem*>();
+    qRegisterMetaType<BkCalendarPlan*>();
+    makeCaseStage();
+}
+
+void tst_BkCalendarView::makeCaseStage()
+{
+    SQLQuery query;
+    QVERIFY(query.exec(QStringLiteral("DROP TABLE IF EXISTS tbl_casestage")));
+    QVERIFY(
+        query.exec(QStringLiteral("CREATE TABLE tbl_casestage (id INTEGER, fw_name TEXT, fw_color TEXT)")));
+    QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (1, 'Open', '#ff0000')")));
+    QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (4, 'Billed', '#00ff00')")));
+}
+
+void tst_BkCalendarView::init()
+{
+    BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
+    setHideEmpty(0);
+}
+
+void tst_BkCalendarView::cleanup()
+{
+    BkCalendarClock::setFixedNow(QDateTime());
+}
+
+void tst_BkCalendarView::shouldBuildWithTheWorkingDefaults()
+{
+    BkCalendarView view;
+    QVERIFY(!view.model());
+    QVERIFY(view.scene());
+    QCOMPARE(view.scene(), static_cast<QGraphicsScene*>(view.calendarScene()));
+    QCOMPARE(view.dayMode(), 1);
+    QCOMPARE(view.date(), Wednesday);
+    QCOMPARE(view.selectedDate(), Wednesday);
+    QCOMPARE(view.weekStart(), Qt::Monday);
+    QCOMPARE(view.minWidth(), 100.0);
+    QCOMPARE(view.raiseMode(), BkCalendarColumn::RaiseOnClick);
+    QCOMPARE(view.scrollDx(), 0);
+    QVERIFY(!view.infoWidget());
+    QCOMPARE(view.alignment(), Qt::AlignLeft | Qt::AlignTop);
+    QVERIFY(view.resource().id.isNull());
+
+    BkCalendarTimeScale* scale = view.timeScale();
+    QVERIFY(scale);
+    QCOMPARE(scale->scene(), view.scene());
+    QCOMPARE(scale->start(), QTime(6, 0));
+    QCOMPARE(scale->end(), QTime(20, 0));
+    QCOMPARE(scale->timeSteps(), 15);
+    QCOMPARE(scale->minuteHeight(), 1.5f);
+    QCOMPARE(view.minuteHeight(), 1.5);
+    QCOMPARE(scale->topMargin(), 50.0f);
+    QVERIFY(scale->hourAligned());
+    QCOMPARE(scale->zValue(), 50.0);
+
+    // One day column of today, selected, without grip.
+    QCOMPARE(view.days(), 1);
+    BkCalendarColumn* column = view.getColumnList().first();
+    QCOMPARE(column->date(), Wednesday);
+    QVERIFY(column->isSelected());
+    QCOMPARE(view.getSelectedColumn(), column);
+    QCOMPARE(column->scene(), view.scene());
+    QCOMPARE(column->timeScale(), scale);
+    QCOMPARE(column->colorScheme(), view.colorScheme());
+    QVERIFY(!column->header()->resizable());
+    QCOMPARE(column->resourceMode(), 0);
+}
+
+void tst_BkCalendarView::shouldOfferDateAndDaysAsProperties()
+{
+    ViewFixture f;
+    QVERIFY(f.view.setProperty("days", 5));
+    QCOMPARE(f.view.property("days").toInt(), 5);
+    QCOMPARE(f.view.property("date").toDate(), Wednesday);
+    QVERIFY(f.view.setProperty("date", QDate(2026, 12, 2)));
+    QCOMPARE(f.view.property("date").toDate(), QDate(2026, 11, 30));
+    QCOMPARE(f.view.selectedDate(), QDate(2026, 12, 2));
+}
+
+void tst_BkCalendarView::shouldLoadTheStatusColours()
+{
+    BkCalendarView view;
+    const QMap<int, BkCalendarStatusEntry>& colours = view.colorScheme()->statusColors;
+    QCOMPARE(colours.keys(), (QList<int>{1, 4}));
+    QCOMPARE(colours.value(1).name, QStringLiteral("Open"));
+    QCOMPARE(colours.value(1).color, QColor(255, 0, 0));
+    QCOMPARE(colours.value(4).name, QStringLiteral("Billed"));
+    QCOMPARE(colours.value(4).color, QColor(0, 255, 0));
+}
+
+void tst_BkCalendarView::shouldKeepAnUnreadableColourAndSkipAnUnnumberedRow()
+{
+    SQLQuery query;
+    QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (7, 'Odd', 'not a colour')")));
+    QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES ('seven', 'Bad id', '#0000ff')")));
+    BkCalendarView view;
+    makeCaseStage();
+    const QMap<int, BkCalendarStatusEntry>& colours = view.colorScheme()->statusColors;
+    QCOMPARE(colours.keys(), (QList<int>{1, 4, 7}));
+    QCOMPARE(colours.value(7).name, QStringLiteral("Odd"));
+    QVERIFY(!colours.value(7).color.isValid());
+}
+
+void tst_BkCalendarView::shouldClearTheStatusColoursWhenTheQueryFails()
+{
+    BkCalendarView view;
+    QCOMPARE(view.colorScheme()->statusColors.count(), 2);
+    SQLQuery query;
+    QVERIFY(query.exec(QStringLiteral("DROP TABLE tbl_casestage")));
+    view.loadCalendarStatus();
+    QVERIFY(view.colorScheme()->statusColors.isEmpty());
+    makeCaseStage();
+}
+
+void tst_BkCalendarView::shouldShowConsecutiveDaysFromTheWeekStart_data()
+{
+    QTest::addColumn<QDate>("date");
+    QTest::addColumn<int>("weekStart");
+    QTest::addColumn<int>("days");
+    QTest::addColumn<QDate>("first");
+
+    QTest::newRow("five days, Wednesday") << Wednesday << 1 << 5 << Monday;
+    QTest::newRow("five days, Monday") << Monday << 1 << 5 << Monday;
+    QTest::newRow("five days, Friday") << QDate(2026, 11, 27) << 1 << 5 << Monday;
+    QTest::newRow("five days, Saturday: Saturday to Wednesday")
+        << QDate(2026, 11, 28) << 1 << 5 << QDate(2026, 11, 28);
+    QTest::newRow("five days, Sunday: Sunday to Thursday")
+        << QDate(2026, 11, 29) << 1 << 5 << QDate(2026, 11, 29);
+    QTest::newRow("seven days, Sunday") << QDate(2026, 11, 29) << 1 << 7 << Monday;
+    QTest::newRow("seven days over the turn of the year")
+        << QDate(2026, 12, 31) << 1 << 7 << QDate(2026, 12, 28);
+    QTest::newRow("week start Friday, later than a Wednesday: forward")
+        << Wednesday << 5 << 5 << QDate(2026, 11, 27);
+    QTest::newRow("week start Sunday, a Tuesday") << QDate(2026, 11, 24) << 7 << 7 << QDate(2026, 11, 29);
+    QTest::newRow("week start Saturday, a Saturday") << QDate(2026, 11, 28) << 6 << 5 << QDate(2026, 11, 28);
+    QTest::newRow("one day never shifts") << Wednesday << 1 << 1 << Wednesday;
+    QTest::newRow("the day summer time starts") << QDate(2026, 3, 29) << 1 << 7 << QDate(2026, 3, 23);
+}
+
+void tst_BkCalendarView::shouldShowConsecutiveDaysFromTheWeekStart()
+{
+    QFETCH(QDate, date);
+    QFETCH(int, weekStart);
+    QFETCH(int, days);
+    QFETCH(QDate, first);
+
+    ViewFixture f;
+    f.view.setWeekStarts(Qt::DayOfWeek(weekStart));
+    f.view.setDays(days);
+    f.view.setDate(date);
+    QCOMPARE(f.view.date(), first);
+    QCOMPARE(columnDates(f.view), daysFrom(first, days));
+    QCOMPARE(f.view.selectedDate(), date);
+    // The selected date is highlighted when it is on show.
+    const int at = int(first.daysTo(date));
+    QCOMPARE(selectedIndices(f.view), at >= 0 && at < days ? QList<int>{at} : QList<int>{});
+}
+
+void tst_BkCalendarView::shouldBuildDayColumnsInTheirOrder()
+{
+    ViewFixture f;
+    f.view.setRaise(BkCalendarColumn::RaiseOnHover);
+    f.view.setResource(BkCalendarResource(12, QStringLiteral("Anna"), 0));
+    f.view.setDays(5);
+    f.view.setDate(Wednesday);
+    const QList<BkCalendarColumn*> columns = f.view.getColumnList();
+    QCOMPARE(columns.count(), 5);
+    QCOMPARE(f.view.days(), 5);
+    for (int i = 0; i < 5; ++i) {
+        BkCalendarColumn* column = columns.at(i);
+        QCOMPARE(column->index(), i);
+        QCOMPARE(column->raise(), BkCalendarColumn::RaiseOnHover);
+        QCOMPARE(column->model(), &f.model);
+        QCOMPARE(column->resource().id.toInt(), 12);
+        QCOMPARE(column->resourceMode(), 0);
+        QCOMPARE(column->minWidth(), 100);
+        QVERIFY(!column->header()->resizable());
+        QCOMPARE(column->header()->date, Monday.addDays(i));
+        QCOMPARE(column->scene(), f.view.scene());
+    }
+    QCOMPARE(f.view.dayMode(), 1);
+}
+
+void tst_BkCalendarView::shouldBuildDaysFromTheFirstDateUntilTheNextDateIsSet()
+{
+    // New columns start at the first date as it stands; the week rule comes with the next date.
+    ViewFixture f;
+    f.view.setDays(5);
+    QCOMPARE(f.view.date(), Wednesday);
+    QCOMPARE(columnDates(f.view), daysFrom(Wednesday, 5));
+    QCOMPARE(selectedIndices(f.view), QList<int>{0});
+    f.view.setDate(Wednesday);
+    QCOMPARE(columnDates(f.view), daysFrom(Monday, 5));
+    QCOMPARE(selectedIndices(f.view), QList<int>{2});
+}
+
+void tst_BkCalendarView::shouldLeaveNoColumnsForNoDays()
+{
+    ViewFixture f;
+    f.view.setDays(0);
+    QCOMPARE(f.view.days(), 0);
+    QVERIFY(!f.view.getSelectedColumn());
+    f.view.setDays(-3);
+    QCOMPARE(f.view.days(), 0);
+    f.view.setDate(QDate(2026, 12, 3));
+    QCOMPARE(f.view.date(), QDate(2026, 12, 3));
+}
+
+void tst_BkCalendarView::shouldRelayDayColumnSignals()
+{
+    ViewFixture f;
+    f.view.setDays(5);
+    f.view.setDate(Wednesday);
+    QSignalSpy dates(&f.view, &BkCalendarView::dateSelected);
+    f.view.getColumnList().at(3)->setSelected(true);
+    QCOMPARE(dates.count(), 1);
+    QCOMPARE(dates.first().first().toDate(), Monday.addDays(3));
+
+    QSignalSpy activated(&f.view, &BkCalendarView::itemActivated);
+    BkCalendarItem item;
+    QMetaObject::invokeMethod(f.view.getColumnList().at(0), "itemActivated", Q_ARG(BkCalendarItem*, &item));
+    QCOMPARE(activated.count(), 1);
+    QCOMPARE(activated.first().first().value<BkCalendarItem*>(), &item);
+
+    // Day columns have no header activation to pass on.
+    QSignalSpy sizes(&f.view, qOverload<int, int>(&BkCalendarView::sizeChanged));
+    f.view.getColumnList().at(0)->emitHeaderActivated();
+    QCOMPARE(sizes.count(), 0);
+}
+
+void tst_BkCalendarView::shouldOnlyMoveTheHighlightWithinTheShownWeek()
+{
+    ViewFixture f;
+    f.view.setDays(5);
+    f.view.setDate(Wednesday);
+    QCOMPARE(f.view.date(), Monday);
+    QCOMPARE(selectedIndices(f.view), QList<int>{2});
+    QList<BkCalendarColumn*> before = f.view.getColumnList();
+
+    f.view.setDate(QDate(2026, 11, 27));
+    QCOMPARE(f.view.date(), Monday);
+    QCOMPARE(f.view.selectedDate(), QDate(2026, 11, 27));
+    QCOMPARE(selectedIndices(f.view), QList<int>{4});
+    QCOMPARE(f.view.getColumnList(), before);
+    QCOMPARE(f.view.getSelectedColumn(), before.at(4));
+}
+
+void tst_BkCalendarView::shouldReanchorADateOutsideTheShownWeek()
+{
+    ViewFixture f;
+    f.view.setDays(5);
+    f.view.setDate(QDate(2026, 12, 3));
+    QCOMPARE(f.view.date(), QDate(2026, 11, 30));
+    QCOMPARE(columnDates(f.view), daysFrom(QDate(2026, 11, 30), 5));
+    QCOMPARE(selectedIndices(f.view), QList<int>{3});
+    // Backwards as well, and the columns are the same objects with new dates.
+    const QList<BkCalendarColumn*> columns = f.view.getColumnList();
+    f.view.setDate(QDate(2026, 11, 20));
+    QCOMPARE(f.view.date(), QDate(2026, 11, 16));
+    QCOMPARE(f.view.getColumnList(), columns);
+    QCOMPARE(selectedIndices(f.view), QList<int>{4});
+}
+
+void tst_BkCalendarView::shouldReanchorARangeThatDoesNotStartOnTheWeekStart()
+{
+    // A Saturday range runs Saturday to Wednesday; picking its Monday re-anchors, although the
+    // Monday is on show.
+    ViewFixture f;
+    f.view.setDays(5);
+    f.view.setDate(QDate(2026, 11, 28));
+    QCOMPARE(f.view.date(), QDate(2026, 11, 28));
+    f.view.setDate(QDate(2026, 11, 30));
+    QCOMPARE(f.view.date(), QDate(2026, 11, 30));
+    QCOMPARE(columnDates(f.view), daysFrom(QDate(2026, 11, 30), 5));
+    QCOMPARE(selectedIndices(f.view), QList<int>{0});
+}
+
+void tst_BkCalendarView::shouldOnlySelectInAOneColumnViewOnTheWeekStart()
+{
+    ViewFixture f;
+    f.view.setDate(Monday);
+    QCOMPARE(f.view.date(), Monday);
+    BkCalendarColumn* column = f.view.getColumnList().first();
+    column->setSelected(false);
+    QSignalSpy dates(&f.view, &BkCalendarView::dateSelected);
+    f.view.setDate(Monday);
+    QVERIFY(column->isSelected());
+    QCOMPARE(f.view.getColumnList().first(), column);
+    QCOMPARE(column->date(), Monday);
+    QCOMPARE(dates.count(), 1);
+}
+
+void tst_BkCalendarView::shouldRewriteEveryDateInResourceMode()
+{
+    ViewFixture f;
+    f.view.setResources(
+        {BkCalendarResource(1, QStringLiteral("A"), 0), BkCalendarResource(2, QStringLiteral("B"), 1)});
+    QCOMPARE(f.view.dayMode(), 0);
+    QCOMPARE(columnDates(f.view), (QList<QDate>{Wednesday, Wednesday}));
+    // The same date again rewrites as well; no shift to a week start.
+    f.view.setDate(Wednesday);
+    f.view.setDate(QDate(2026, 11, 28));
+    QCOMPARE(f.view.date(), QDate(2026, 11, 28));
+    QCOMPARE(columnDates(f.view), (QList<QDate>{QDate(2026, 11, 28), QDate(2026, 11, 28)}));
+    QCOMPARE(f.view.days(), 2);
+}
+
+void tst_BkCalendarView::shouldHandEveryDayColumnTheResource()
+{
+    ViewFixture f;
+    f.view.setDays(5);
+    f.view.setDate(Wednesday);
+    addBooking(f.model, 1, Monday.addDays(1), 30, QTime(9, 0), QTime(10, 0));
+    QSignalSpy selected(&f.view, &BkCalendarView::resourceSelected);
+    f.view.setResource(BkCalendarResource(30, QStringLiteral("Ben"), 0));
+    QCOMPARE(selected.count(), 1);
+    QCOMPARE(selected.first().first().value<BkCalendarResource>().id.toInt(), 30);
+    for (BkCalendarColumn* column : f.view.getColumnList())
+        QCOMPARE(column->resource().id.toInt(), 30);
+    QCOMPARE(f.view.getColumnList().at(1)->getItems(false).count(), 1);
+    QCOMPARE(f.view.resource().name, QStringLiteral("Ben"));
+}
+
+void tst_BkCalendarView::shouldLeaveResourceColumnsAloneOnSetResource()
+{
+    ViewFixture f;
+    f.view.setResources(
+        {BkCalendarResource(1, QStringLiteral("A"), 0), BkCalendarResource(2, QStringLiteral("B"), 0)});
+    QCOMPARE(selectedIndices(f.view), QList<int>{});
+    QSignalSpy selected(&f.view, &BkCalendarView::resourceSelected);
+    f.view.setResource(BkCalendarResource(2, QStringLiteral("B"), 0));
+    QCOMPARE(selected.count(), 1);
+    QCOMPARE(f.view.getColumnList().at(0)->resource().id.toInt(), 1);
+    QCOMPARE(f.view.getColumnList().at(1)->resource().id.toInt(), 2);
+    // Not even the highlight follows until the next group.
+    QCOMPARE(selectedIndices(f.view), QList<int>{});
+}
+
+void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()
+{
+    ViewFixture f;
+    f.view.resize(800, 600);
+    f.view.setResources({});
+    QCOMPARE(f.view.days(), 0);
+    QCOMPARE(f.view.dayMode(), 0);
+    BkCalendarInfoWidget* info = f.view.infoWidget();
+    QVERIFY(info);
+    QCOMPARE(info->messageType(), 0);
+    QCOMPARE(info->scene(), f.view.scene());
+    QCOMPARE(info->margin(), 50);
+    // It got its size from the view at once.
+    QVERIFY(info->boundingRect().width() > 0.0);
+
+    // Resized with the view.
+    const QRectF before = info->boundingRect();
+    f.view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&f.view));
+    f.view.resize(1000, 700);
+    QTRY_VERIFY(info->boundingRect() != before);
+}
+
+void tst_BkCalendarView::shouldTellOfEmptySchedulesWhenAllAreHidden()
+{
+    ViewFixture f;
+    setHideEmpty(1);
+    f.view.setResources(
+        {BkCalendarResource(1, QStringLiteral("A"), 0), BkCalendarResource(2, QStringLiteral("B"), 1)});
+    QCOMPARE(f.view.days(), 0);
+    QVERIFY(f.view.infoWidget());
+    QCOMPARE(f.view.infoWidget()->messageType(), 1);
+    QVERIFY(f.view.infoWidget()->message() != BkCalendarInfoWidget(0).message());
+}
+
+void tst_BkCalendarView::shouldKeepAnEmptyScheduleWithoutHideEmpty()
+{
+    ViewFixture f;
+    setHideEmpty(0);
+    f.view.setResources({BkCalendarResource(1, QStringLiteral("A"), 0)});
+    QCOMPARE(f.view.days(), 1);
+    QVERIFY(!f.view.infoWidget());
+}
+
+void tst_BkCalendarView::shouldLeaveGapsInIndicesForHiddenResources()
+{
+    ViewFixture f;
+    setHideEmpty(1);
+    const BkCalendarResource a(1, QStringLiteral("A"), 0);
+    const BkCalendarResource b(2, QStringLiteral("B"), 0);
+    const BkCalendarResource c(3, QStringLiteral("C"), 1);
+    addPlan(f.model, Wednesday, a);
+    addPlan(f.model, Wednesday, c);
+    f.view.setResources({a, b, c});
+    const QList<BkCalendarColumn*> columns = f.view.getColumnList();
+    QCOMPARE(columns.count(), 2);
+    QCOMPARE(columns.at(0)->index(), 0);
+    QCOMPARE(columns.at(1)->index(), 2);
+    QCOMPARE(columns.at(1)->resource().type, 1);
+    QVERIFY(!f.view.infoWidget());
+}
+
+void tst_BkCalendarView::shouldNotRelayThePlaceholder()
+{
+    ViewFixture f;
+    f.view.setResources({BkCalendarResource(1, QStringLiteral("A"), 0),
+                         BkCalendarResource(QVariant(), QStringLiteral("Choose someone"), 0)});
+    QCOMPARE(f.view.days(), 2);
+    BkCalendarColumn* placeholder = f.view.getColumnList().at(1);
+    QCOMPARE(placeholder->header()->text(), QStringLiteral("Choose someone"));
+    QSignalSpy dates(&f.view, &BkCalendarView::dateSelected);
+    QSignalSpy activated(&f.view, &BkCalendarView::itemActivated);
+    placeholder->setSelected(true);
+    BkCalendarItem item;
+    QMetaObject::invokeMethod(placeholder, "itemActivated", Q_ARG(BkCalendarItem*, &item));
+    QCOMPARE(dates.count(), 0);
+    QCOMPARE(activated.count(), 0);
+    f.view.getColumnList().at(0)->setSelected(true);
+    QCOMPARE(dates.count(), 1);
+}
+
+void tst_BkCalendarView::shouldSelectTheResourceColumnByTypeAndId()
+{
+    ViewFixture f;
+    f.view.setResource(BkCalendarResource(7, QStringLiteral("another name"), 1));
+    f.view.setResources({BkCalendarResource(7, QStringLiteral("Anna"), 0),
+                         BkCalendarResource(7, QStringLiteral("Room"), 1),
+                         BkCalendarResource(8, QStringLiteral("Car"), 1)});
+    QCOMPARE(selectedIndices(f.view), QList<int>{1});
+}
+
+void tst_BkCalendarView::shouldKeepTheInfoWidgetUntilTheNextGroup()
+{
+    ViewFixture f;
+    f.view.setResources({});
+    BkCalendarInfoWidget* info = f.view.infoWidget();
+    QVERIFY(info);
+    f.view.setDays(5);
+    QCOMPARE(f.view.infoWidget(), info);
+    QCOMPARE(info->scene(), f.view.scene());
+    QCOMPARE(f.view.days(), 5);
+    f.view.setResources({BkCalendarResource(1, QStringLiteral("A"), 0)});
+    QVERIFY(!f.view.infoWidget());
+    int infos = 0;
+    for (QGraphicsItem* item : f.view.scene()->items())
+        infos += item->data(ItemKindRole).toInt() == ItemKindInfoWidget;
+    QCOMPARE(infos, 0);
+}
+
+void tst_BkCalendarView::shouldBuildResourceColumnsWithGrip()
+{
+    ViewFixture f;
+    f.view.setRaise(BkCalendarColumn::RaiseOnHover);
+    f.view.setResources(
+        {BkCalendarResource(1, QStringLiteral("Anna"), 0), BkCalendarResource(2, QStringLiteral("Room"), 1)});
+    for (BkCalendarColumn* column : f.view.getColumnList()) {
+        QVERIFY(column->header()->resizable());
+        QCOMPARE(column->resourceMode(), 1);
+        QCOMPARE(column->date(), Wednesday);
+        QCOMPARE(column->model(), &f.model);
+        QCOMPARE(column->raise(), BkCalendarColumn::RaiseOnHover);
+    }
+    QCOMPARE(f.view.getColumnList().at(0)->header()->text(), QStringLiteral("Anna"));
+    QCOMPARE(f.view.getColumnList().at(1)->header()->text(), QStringLiteral("Room"));
+}
+
+void tst_BkCalendarView::shouldHandTheModelAndRaiseToEveryColumn()
+{
+    BkCalendarView view;
+    view.setDays(3);
+    BkCalendarModel model;
+    view.setModel(&model);
+    QCOMPARE(view.model(), &model);
+    QCOMPARE(view.calendarScene()->model(), &model);
+    view.setRaise(BkCalendarColumn::RaiseOnHover);
+    for (BkCalendarColumn* column : view.getColumnList()) {
+        QCOMPARE(column->model(), &model);
+        QCOMPARE(column->raise(), BkCalendarColumn::RaiseOnHover);
+    }
+    QCOMPARE(view.raiseMode(), BkCalendarColumn::RaiseOnHover);
+}
+
+void tst_BkCalendarView::shouldStretchTheSceneToTheLeftEdge()
+{
+    ViewFixture f;
+    f.view.setDays(2);
+    // An item left of the origin widens the items' bounds; the scene starts at 0 all the same.
+    QGraphicsRectItem* stray = f.view.scene()->addRect(QRectF(-80.0, 10.0, 20.0, 20.0), Qt::NoPen);
+    f.view.updateWidgets();
+    const QRectF items = f.view.scene()->itemsBoundingRect();
+    QCOMPARE(items.left(), -80.0);
+    const QRectF rect = f.view.scene()->sceneRect();
+    QCOMPARE(rect.left(), 0.0);
+    QCOMPARE(rect.right(), items.right());
+    QCOMPARE(rect.top(), items.top());
+    QCOMPARE(rect.height(), items.height());
+    delete stray;
+}
+
+void tst_BkCalendarView::shouldScrollOnlyOnPlainArrows_data()
+{
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<bool>("scrolls");
+    QTest::newRow("plain") << int(Qt::NoModifier) << true;
+    QTest::newRow("Shift") << int(Qt::ShiftModifier) << false;
+    QTest::newRow("Ctrl") << int(Qt::ControlModifier) << false;
+    QTest::newRow("keypad") << int(Qt::KeypadModifier) << false;
+}
+
+void tst_BkCalendarView::shouldScrollOnlyOnPlainArrows()
+{
+    QFETCH(int, modifiers);
+    QFETCH(bool, scrolls);
+    ViewFixture f;
+    f.view.resize(600, 300);
+    f.view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&f.view));
+    QScrollBar* bar = f.view.verticalScrollBar();
+    QVERIFY(bar->maximum() > 0);
+    const int before = bar->value();
+    QTest::keyClick(&f.view, Qt::Key_Down, Qt::KeyboardModifiers(modifiers));
+    QCOMPARE(bar->value() > before, scrolls);
+}
+
+void tst_BkCalendarView::shouldPassEveryKeyOnToTheForm()
+{
+    ViewFixture f;
+    f.view.resize(600, 300);
+    for (int key : {int(Qt::Key_Down), int(Qt::Key_Up), int(Qt::Key_Left), int(Qt::Key_Right),
+                    int(Qt::Key_Space), int(Qt::Key_PageDown), int(Qt::Key_Delete)}) {
+        for (Qt::KeyboardModifiers modifiers :
+             {Qt::KeyboardModifiers(Qt::NoModifier), Qt::KeyboardModifiers(Qt::ShiftModifier)}) {
+            QKeyEvent event(QEvent::KeyPress, key, modifiers);
+            event.accept();
+            QCoreApplication::sendEvent(&f.view, &event);
+            QVERIFY2(!event.isAccepted(), qPrintable(QString::number(key)));
+        }
+    }
+}
+
+void tst_BkCalendarView::shouldTakeTheDragPreviewBackWhenTheDragLeavesTheScene()
+{
+    ViewFixture f;
+    f.view.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    BkCalendarItem* item = addBooking(f.model, 42, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    // The preview of a drag has moved the booking, which is on the unsaved list since the drag began.
+    item->invalidate(true);
+    item->setTime(QTime(11, 0), QTime(12, 0));
+    QCOMPARE(item->start(), QTime(11, 0));
+
+    QMimeData data;
+    data.setData(QStringLiteral("text/calitem"), QByteArrayLiteral("42"));
+    QGraphicsSceneDragDropEvent event(QEvent::GraphicsSceneDragLeave);
+    event.setMimeData(&data);
+    event.accept();
+    QCoreApplication::sendEvent(f.view.scene(), &event);
+    QVERIFY(!event.isAccepted());
+    QCOMPARE(item->start(), QTime(9, 0));
+    QCOMPARE(item->end(), QTime(10, 0));
+}
+
+void tst_BkCalendarView::shouldIgnoreForeignDragsLeavingTheScene_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QByteArray>("payload");
+    QTest::newRow("another format") << QStringLiteral("text/plain") << QByteArrayLiteral("42");
+    QTest::newRow("not a number") << QStringLiteral("text/calitem") << QByteArrayLiteral("4x2");
+    QTest::newRow("unknown id") << QStringLiteral("text/calitem") << QByteArrayLiteral("43");
+    QTest::newRow("empty") << QStringLiteral("text/calitem") << QByteArray();
+}
+
+void tst_BkCalendarView::shouldIgnoreForeignDragsLeavingTheScene()
+{
+    QFETCH(QString, format);
+    QFETCH(QByteArray, payload);
+    ViewFixture f;
+    BkCalendarItem* item = addBooking(f.model, 42, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    item->invalidate(true);
+    item->setTime(QTime(11, 0), QTime(12, 0));
+    QMimeData data;
+    data.setData(format, payload);
+    QGraphicsSceneDragDropEvent event(QEvent::GraphicsSceneDragLeave);
+    event.setMimeData(&data);
+    QCoreApplication::sendEvent(f.view.scene(), &event);
+    QVERIFY(!event.isAccepted());
+    QCOMPARE(item->start(), QTime(11, 0));
+}
+
+FW_TEST_MAIN(tst_BkCalendarView)
+#include "tst_bkcalendarview.moc"

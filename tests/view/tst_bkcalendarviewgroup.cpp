@@ -1,0 +1,359 @@
+// Editing the group on the grid: a double click on a header of the group view opens the picker of
+// users and resources; a pick rebinds the column, a clear removes it, the placeholder grows a new
+// one, and the group is saved for the host.
+
+#include "FwModal.h"
+#include "FwTestApplication.h"
+
+#include <BkCalendarClock.h>
+#include <BkCalendarColumn.h>
+#include <BkCalendarHeader.h>
+#include <BkCalendarInfoWidget.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarModel.h>
+#include <BkCalendarUserList.h>
+#include <BkCalendarView.h>
+
+#include <FwApplication.h>
+#include <FwPushButton.h>
+#include <FwTreeWidget.h>
+#include <SQLQuery.h>
+
+#include <QSignalSpy>
+
+namespace {
+const QDate Wednesday(2026, 11, 25);
+const char GroupKey[] = "usr_bookinggrouplist";
+
+QString savedGroup()
+{
+    return FwApplication::app()->getValue(QLatin1String(GroupKey), QStringLiteral("unset")).toString();
+}
+
+// How the user answers the picker: pick the row of that id and type and press Ok, press Clear, or
+// press Cancel.
+enum class Answer
+{
+    Pick,
+    Clear,
+    Cancel
+};
+
+void answerPicker(Answer answer, int id = 0, int type = 0)
+{
+    FwTest::whenModal([answer, id, type](QWidget* modal) {
+        auto* dialog = qobject_cast<BkCalendarUserList*>(modal);
+        QVERIFY(dialog);
+        if (answer == Answer::Cancel) {
+            QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("pbCancel")), Qt::LeftButton);
+            return;
+        }
+        if (answer == Answer::Clear) {
+            QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("pbClear")), Qt::LeftButton);
+            return;
+        }
+        auto* list = dialog->findChild<QTreeWidget*>(QStringLiteral("tvList"));
+        QVERIFY(list);
+        list->clearSelection();
+        for (int i = 0; i < list->topLevelItemCount(); ++i) {
+            QTreeWidgetItem* row = list->topLevelItem(i);
+            if (row->data(0, 256).isValid() && row->data(0, 256).toInt() == id &&
+                row->data(0, 257).toInt() == type)
+                row->setSelected(true);
+        }
+        QCOMPARE(list->selectedItems().count(), 1);
+        QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("pbOk")), Qt::LeftButton);
+    });
+}
+
+// Double-clicks the header of a column where the user sees it: press, release, the double click,
+// and the last release once the picker has closed.
+void doubleClickHeader(BkCalendarView& view, BkCalendarColumn* column)
+{
+    const QPoint at = view.mapFromScene(column->header()->sceneBoundingRect().center());
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, Qt::NoModifier, at);
+}
+
+QStringList captions(const BkCalendarView& view)
+{
+    QStringList texts;
+    for (BkCalendarColumn* column : view.getColumnList())
+        texts << column->header()->text();
+    return texts;
+}
+
+QList<int> indices(const BkCalendarView& view)
+{
+    QList<int> list;
+    for (BkCalendarColumn* column : view.getColumnList())
+        list << column->index();
+    return list;
+}
+
+struct GroupView
+{
+    GroupView()
+    {
+        view.setModel(&model);
+        view.resize(900, 500);
+        view.show();
+        ok = QTest::qWaitForWindowExposed(&view);
+    }
+    BkCalendarModel model;
+    BkCalendarView view;
+    bool ok = false;
+};
+} // namespace
+
+class tst_BkCalendarViewGroup : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void shouldChangeNothingOnCancelButStillResize();
+    void shouldRebindAColumnToThePick();
+    void shouldSaveUsersAndThePlaceholder();
+    void shouldGrowANewPlaceholderBehindAFilledOne();
+    void shouldRemoveAClearedColumnAndRenumber();
+    void shouldLeaveNothingWhenTheLastColumnIsCleared();
+    void shouldTurnTheHeaderToAResource();
+    void shouldRelayAgainAtEveryPick();
+    void shouldGiveTheNewColumnItsSavedWidth();
+    void shouldIgnoreHeaderDoubleClicksInDayMode();
+};
+
+void tst_BkCalendarViewGroup::initTestCase()
+{
+    qRegisterMetaType<BkCalendarResource>();
+    qRegisterMetaType<BkCalendarItem*>();
+    SQLQuery query;
+    QVERIFY(
+        query.exec(QStringLiteral("CREATE TABLE view_user (id INTEGER, usr_initials TEXT, usr_name TEXT)")));
+    QVERIFY(query.exec(QStringLiteral("CREATE TABLE tbl_resource (id INTEGER, fw_text TEXT)")));
+    for (const QString& row :
+         {QStringLiteral("(12, 'AB', 'Anna Berg')"), QStringLiteral("(30, 'CD', 'Carl Dahl')"),
+          QStringLiteral("(7, 'EF', 'Eva Fors')")})
+        QVERIFY(query.exec(QStringLiteral("INSERT INTO view_user VALUES ") + row));
+    for (const QString& row : {QStringLiteral("(7, 'Room 7')"), QStringLiteral("(8, 'Car')")})
+        QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_resource VALUES ") + row));
+}
+
+void tst_BkCalendarViewGroup::init()
+{
+    BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
+    FwApplication::app()->setValue(QStringLiteral("untouched"), QLatin1String(GroupKey),
+                                   QStringLiteral("tbl_user"));
+    FwApplication::app()->setLocalValue(QStringLiteral("CalendarLayout"), QStringList());
+}
+
+void tst_BkCalendarViewGroup::cleanup()
+{
+    BkCalendarClock::setFixedNow(QDateTime());
+}
+
+void tst_BkCalendarViewGroup::shouldChangeNothingOnCancelButStillResize()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0)});
+    const QList<BkCalendarColumn*> before = g.view.getColumnList();
+    QSignalSpy sizes(&g.view, qOverload<int, int>(&BkCalendarView::sizeChanged));
+    answerPicker(Answer::Cancel);
+    doubleClickHeader(g.view, before.first());
+    QCOMPARE(g.view.getColumnList(), before);
+    QCOMPARE(captions(g.view), QStringList{QStringLiteral("Anna Berg")});
+    QCOMPARE(before.first()->resource().id.toInt(), 12);
+    QCOMPARE(savedGroup(), QStringLiteral("untouched"));
+    QCOMPARE(sizes.count(), 1);
+}
+
+void tst_BkCalendarViewGroup::shouldRebindAColumnToThePick()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
+                         BkCalendarResource(30, QStringLiteral("Carl Dahl"), 0)});
+    BkCalendarColumn* first = g.view.getColumnList().first();
+    answerPicker(Answer::Pick, 7, 0);
+    doubleClickHeader(g.view, first);
+    QCOMPARE(g.view.getColumnList().first(), first);
+    QCOMPARE(first->resource().id.toInt(), 7);
+    QCOMPARE(first->resource().type, 0);
+    QCOMPARE(captions(g.view), (QStringList{QStringLiteral("Eva Fors"), QStringLiteral("Carl Dahl")}));
+    QCOMPARE(g.view.days(), 2);
+    QCOMPARE(savedGroup(), QStringLiteral("7:0,30:0"));
+}
+
+void tst_BkCalendarViewGroup::shouldSaveUsersAndThePlaceholder()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
+                         BkCalendarResource(30, QStringLiteral("Carl Dahl"), 0),
+                         BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    // Picking the same user again changes nothing but saves the group.
+    answerPicker(Answer::Pick, 30, 0);
+    doubleClickHeader(g.view, g.view.getColumnList().at(1));
+    QCOMPARE(savedGroup(), QStringLiteral("12:0,30:0,0:0"));
+}
+
+void tst_BkCalendarViewGroup::shouldGrowANewPlaceholderBehindAFilledOne()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
+                         BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    answerPicker(Answer::Pick, 30, 0);
+    doubleClickHeader(g.view, g.view.getColumnList().at(1));
+    QCOMPARE(g.view.days(), 3);
+    QCOMPARE(captions(g.view), (QStringList{QStringLiteral("Anna Berg"), QStringLiteral("Carl Dahl"),
+                                            QStringLiteral("Double click to set")}));
+    BkCalendarColumn* placeholder = g.view.getColumnList().last();
+    QVERIFY(placeholder->resource().id.isNull());
+    QVERIFY(placeholder->header()->resizable());
+    QCOMPARE(placeholder->resourceMode(), 1);
+    QCOMPARE(placeholder->date(), Wednesday);
+    QCOMPARE(placeholder->model(), &g.model);
+    QCOMPARE(indices(g.view), (QList<int>{0, 1, 2}));
+    QCOMPARE(savedGroup(), QStringLiteral("12:0,30:0,0:0"));
+    // The new placeholder stands where the sizes put it, right of the others.
+    QVERIFY(placeholder->pos().x() > g.view.getColumnList().at(1)->pos().x());
+
+    // And it can be filled in turn.
+    answerPicker(Answer::Pick, 8, 1);
+    doubleClickHeader(g.view, placeholder);
+    QCOMPARE(g.view.days(), 4);
+    QCOMPARE(savedGroup(), QStringLiteral("12:0,30:0,8:1,0:0"));
+}
+
+void tst_BkCalendarViewGroup::shouldRemoveAClearedColumnAndRenumber()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    FwApplication::app()->setValue(1, QStringLiteral("set_hideempty"), QString());
+    auto* plan = new BkCalendarPlan;
+    plan->date = Wednesday;
+    plan->start = QTime(8, 0);
+    plan->end = QTime(9, 0);
+    auto* plan2 = new BkCalendarPlan(*plan);
+    plan->resource = BkCalendarResource(12, QString(), 0);
+    plan2->resource = BkCalendarResource(7, QString(), 1);
+    g.model.addItem(plan);
+    g.model.addItem(plan2);
+    // Carl has no schedule and stays out: the indices have a gap.
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
+                         BkCalendarResource(30, QStringLiteral("Carl Dahl"), 0),
+                         BkCalendarResource(7, QStringLiteral("Room 7"), 1)});
+    FwApplication::app()->setValue(0, QStringLiteral("set_hideempty"), QString());
+    QCOMPARE(indices(g.view), (QList<int>{0, 2}));
+
+    BkCalendarColumn* anna = g.view.getColumnList().first();
+    QSignalSpy destroyed(anna, &QObject::destroyed);
+    answerPicker(Answer::Clear);
+    doubleClickHeader(g.view, anna);
+    QCOMPARE(destroyed.count(), 1);
+    QCOMPARE(g.view.days(), 1);
+    QCOMPARE(indices(g.view), QList<int>{0});
+    QCOMPARE(g.view.getColumnList().first()->pos().x(), 50.0);
+    QCOMPARE(savedGroup(), QStringLiteral("7:1"));
+}
+
+void tst_BkCalendarViewGroup::shouldLeaveNothingWhenTheLastColumnIsCleared()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0)});
+    answerPicker(Answer::Clear);
+    doubleClickHeader(g.view, g.view.getColumnList().first());
+    QCOMPARE(g.view.days(), 0);
+    QVERIFY(!g.view.infoWidget());
+    QCOMPARE(savedGroup(), QString());
+}
+
+void tst_BkCalendarViewGroup::shouldTurnTheHeaderToAResource()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0)});
+    BkCalendarColumn* column = g.view.getColumnList().first();
+    QCOMPARE(column->header()->resource.type, 0);
+    answerPicker(Answer::Pick, 7, 1);
+    doubleClickHeader(g.view, column);
+    QCOMPARE(column->resource().type, 1);
+    QCOMPARE(column->resource().id.toInt(), 7);
+    QCOMPARE(column->header()->resource.type, 1);
+    QCOMPARE(column->header()->text(), QStringLiteral("Room 7"));
+    QCOMPARE(savedGroup(), QStringLiteral("7:1"));
+}
+
+void tst_BkCalendarViewGroup::shouldRelayAgainAtEveryPick()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
+                         BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    BkCalendarColumn* anna = g.view.getColumnList().at(0);
+    BkCalendarColumn* placeholder = g.view.getColumnList().at(1);
+    answerPicker(Answer::Pick, 30, 0);
+    doubleClickHeader(g.view, placeholder);
+    answerPicker(Answer::Pick, 7, 0);
+    doubleClickHeader(g.view, anna);
+
+    QSignalSpy activated(&g.view, &BkCalendarView::itemActivated);
+    BkCalendarItem item;
+    // Anna's column came relayed from the group and was picked once more: it reports twice.
+    QMetaObject::invokeMethod(anna, "itemActivated", Q_ARG(BkCalendarItem*, &item));
+    QCOMPARE(activated.count(), 2);
+    // The filled placeholder was picked once.
+    activated.clear();
+    QMetaObject::invokeMethod(placeholder, "itemActivated", Q_ARG(BkCalendarItem*, &item));
+    QCOMPARE(activated.count(), 1);
+    // The new placeholder reports nothing.
+    activated.clear();
+    QMetaObject::invokeMethod(g.view.getColumnList().last(), "itemActivated", Q_ARG(BkCalendarItem*, &item));
+    QCOMPARE(activated.count(), 0);
+}
+
+void tst_BkCalendarViewGroup::shouldGiveTheNewColumnItsSavedWidth()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    FwApplication::app()->setLocalValue(QStringLiteral("CalendarLayout"),
+                                        QStringList{QStringLiteral("0|30|250")});
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0)});
+    answerPicker(Answer::Pick, 30, 0);
+    doubleClickHeader(g.view, g.view.getColumnList().first());
+    BkCalendarColumn* column = g.view.getColumnList().first();
+    QVERIFY(column->customSize());
+    QCOMPARE(column->boundingRect().width(), 250.0);
+}
+
+void tst_BkCalendarViewGroup::shouldIgnoreHeaderDoubleClicksInDayMode()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setDays(5);
+    g.view.setDate(Wednesday);
+    bool opened = false;
+    FwTest::whenModal(
+        [&opened](QWidget* modal) {
+            opened = true;
+            modal->close();
+        },
+        1000);
+    QTest::ignoreMessage(QtWarningMsg, "FwTest::whenModal: no modal widget appeared");
+    doubleClickHeader(g.view, g.view.getColumnList().at(2));
+    QTest::qWait(1200);
+    QVERIFY(!opened);
+    QCOMPARE(g.view.days(), 5);
+    QCOMPARE(savedGroup(), QStringLiteral("untouched"));
+}
+
+FW_TEST_MAIN(tst_BkCalendarViewGroup)
+#include "tst_bkcalendarviewgroup.moc"
