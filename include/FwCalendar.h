@@ -2,6 +2,7 @@
 #define FWCALENDAR_H
 
 // Everything a host needs to embed the booking calendar.
+#include "BkCalendar.h"
 #include "BkCalendarClock.h"
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
@@ -10,7 +11,10 @@
 #include "BkCalendarItem.h"
 #include "BkCalendarItemKind.h"
 #include "BkCalendarItemWidget.h"
+#include "BkCalendarList.h"
+#include "BkCalendarListDelegate.h"
 #include "BkCalendarModel.h"
+#include "BkCalendarMoveDelegate.h"
 #include "BkCalendarRecords.h"
 #include "BkCalendarScene.h"
 #include "BkCalendarStatus.h"

@@ -1,0 +1,1059 @@
+// The calendar form as a host embeds it: its layout, flags, docks, menus and tool bar, the signals it
+// passes on, the five ways of showing the calendar, the date jumps and the keys.
+
+#include "FwModal.h"
+#include "FwTestApplication.h"
+
+#include <BkCalendar.h>
+#include <BkCalendarClock.h>
+#include <BkCalendarColumn.h>
+#include <BkCalendarHeader.h>
+#include <BkCalendarInfoWidget.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarItemWidget.h>
+#include <BkCalendarList.h>
+#include <BkCalendarModel.h>
+#include <BkCalendarTimeScale.h>
+#include <BkCalendarView.h>
+
+#include <FwApplication.h>
+#include <FwDatePicker.h>
+#include <FwMainWindow.h>
+#include <FwMenuBar.h>
+#include <FwToolBar.h>
+#include <FwTreeWidget.h>
+
+#include <QAction>
+#include <QActionGroup>
+#include <QCalendarWidget>
+#include <QDockWidget>
+#include <QGridLayout>
+#include <QMenu>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QSqlDatabase>
+
+namespace {
+const QDate Wednesday(2026, 11, 25);
+const QDate Monday(2026, 11, 23);
+const int AllShows = BkCalendar::Show1Day | BkCalendar::Show5Day | BkCalendar::Show7Day |
+                     BkCalendar::ShowMonth | BkCalendar::ShowGroup;
+
+BkCalendarItem* addBooking(BkCalendarModel* model, int id, const QDate& date, const QVariant& user,
+                           QTime start, QTime end, const QString& title = QString())
+{
+    auto* item = new BkCalendarItem;
+    item->id = id;
+    item->setTitle(title);
+    item->setDate(date);
+    item->setUserId(user);
+    item->setTime(start, end);
+    model->addItem(item);
+    return item;
+}
+
+void addPlan(BkCalendarModel* model, const QDate& date, const BkCalendarResource& who)
+{
+    auto* plan = new BkCalendarPlan;
+    plan->date = date;
+    plan->resource = who;
+    plan->start = QTime(7, 0);
+    plan->end = QTime(19, 0);
+    plan->bookable = true;
+    model->addItem(plan);
+}
+
+QStringList menuTitles(const QMenuBar& bar)
+{
+    QStringList titles;
+    for (QAction* action : bar.actions())
+        titles << action->text();
+    return titles;
+}
+
+QMenu* menuNamed(const QMenuBar& bar, const QString& title)
+{
+    for (QAction* action : bar.actions())
+        if (action->text() == title)
+            return action->menu();
+    return nullptr;
+}
+
+QList<QDate> columnDates(const BkCalendar& form)
+{
+    QList<QDate> dates;
+    for (BkCalendarColumn* column : form.view()->getColumnList())
+        dates << column->date();
+    return dates;
+}
+
+int selectedColumnIndex(const BkCalendar& form)
+{
+    return form.view()->getColumnList().indexOf(form.getSelectedColumn());
+}
+
+void setHideEmpty(int value)
+{
+    FwApplication::app()->setValue(value, QStringLiteral("set_hideempty"), QString());
+}
+} // namespace
+
+class tst_BkCalendar : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+
+    void shouldBuildTheGeneratedLayout();
+    void shouldStartWithOneDayOfToday();
+    void shouldBuildThreeDocksWithTheirFinalNames();
+    void shouldHaveNoDocksWithNoDocks();
+    void shouldBuildDocksOnceFlagsAllowThem();
+    void shouldAddTheOfferedActionsToToolBarAndMenu_data();
+    void shouldAddTheOfferedActionsToToolBarAndMenu();
+    void shouldHangTheDocksInTheMainWindowWhileOpen();
+    void shouldPassOnTheSignalsOfViewModelAndScene();
+    void shouldFollowADateClickedInThePicker();
+    void shouldEmitDateChangedAtEverySetDate();
+    void shouldRebuildTheGroupOnANewDateOnlyWhenHidingEmpty_data();
+    void shouldRebuildTheGroupOnANewDateOnlyWhenHidingEmpty();
+    void shouldKeepMinWidthAndResourceListForTheGroupView();
+    void shouldHandTheResourceToViewAndJobList();
+    void shouldGiveACopyOfTheColourScheme();
+    void shouldFindTheSelectedBooking();
+    void shouldReadTheDatabaseClock();
+
+    void shouldMakeTheFiveShowActions();
+    void shouldShowTheChosenNumberOfDays_data();
+    void shouldShowTheChosenNumberOfDays();
+    void shouldKeepTheDaysForTheMonth();
+    void shouldShowTheGroupWithItsMinimumWidth();
+    void shouldToggleTheOverviewAndComeBack();
+    void shouldJumpToAPickedDate();
+    void shouldNotJumpWhenThePickerIsCancelled();
+    void shouldJumpToToday();
+    void shouldStepADayWithCtrlPage_data();
+    void shouldStepADayWithCtrlPage();
+    void shouldStepColumnsWithCtrlArrowsAndWrap_data();
+    void shouldStepColumnsWithCtrlArrowsAndWrap();
+    void shouldDoNothingOnCtrlArrowsWithoutColumns();
+    void shouldStepBookingsWithCtrlUpAndDown();
+    void shouldLeaveKeysWithoutCtrlToTheBase_data();
+    void shouldLeaveKeysWithoutCtrlToTheBase();
+    void shouldSelectTheColumnAgainOnEscape();
+    void shouldKeepKeysWorkingWhenDisabled();
+
+    void shouldKeepTheResourceInPersonalModes();
+    void shouldTakeTheResourceOfASelectedColumn();
+    void shouldTakeTheResourceOfASelectedHeader();
+    void shouldTakeTheResourceOfTheColumnHoldingABooking();
+    void shouldLetAColumnWinOverABookingInEitherOrder_data();
+    void shouldLetAColumnWinOverABookingInEitherOrder();
+    void shouldTakeTheLastOfSeveralSelectedColumns();
+    void shouldKeepTheResourceForAColumnOfIdMinusOne();
+    void shouldFallBackOnTheLoggedInUser();
+    // Last: it takes the test database away and brings back an empty one.
+    void shouldGiveAnInvalidTimeWhenTheDatabaseCannotAnswer();
+
+private:
+    FwMainWindow* mWindow = nullptr;
+};
+
+void tst_BkCalendar::initTestCase()
+{
+    qRegisterMetaType<BkCalendarResource>();
+    qRegisterMetaType<BkCalendarItem*>();
+    qRegisterMetaType<BkCalendarPlan*>();
+    qRegisterMetaType<QList<BkCalendarItem*>>();
+    mWindow = new FwMainWindow;
+    mWindow->setUserId(99);
+    mWindow->resize(1200, 800);
+}
+
+void tst_BkCalendar::cleanupTestCase()
+{
+    delete mWindow;
+}
+
+void tst_BkCalendar::init()
+{
+    BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
+    setHideEmpty(0);
+}
+
+void tst_BkCalendar::cleanup()
+{
+    BkCalendarClock::setFixedNow(QDateTime());
+}
+
+void tst_BkCalendar::shouldBuildTheGeneratedLayout()
+{
+    BkCalendar form(nullptr, AllShows);
+    QCOMPARE(form.objectName(), QStringLiteral("BkCalendar"));
+    QCOMPARE(form.size(), QSize(821, 595));
+    QCOMPARE(form.windowTitle(), QStringLiteral("Form"));
+    auto* grid = qobject_cast<QGridLayout*>(form.layout());
+    QVERIFY(grid);
+    QCOMPARE(grid->objectName(), QStringLiteral("gridLayout"));
+    QCOMPARE(grid->spacing(), 0);
+    QCOMPARE(grid->contentsMargins(), QMargins(0, 0, 0, 0));
+    auto* view = form.findChild<BkCalendarView*>(QStringLiteral("cal"));
+    QVERIFY(view);
+    QCOMPARE(view, form.view());
+    int row = -1, column = -1, rowSpan = 0, columnSpan = 0;
+    grid->getItemPosition(grid->indexOf(view), &row, &column, &rowSpan, &columnSpan);
+    QCOMPARE(QList<int>({row, column, rowSpan, columnSpan}), QList<int>({0, 0, 1, 1}));
+}
+
+void tst_BkCalendar::shouldStartWithOneDayOfToday()
+{
+    BkCalendar form(nullptr, AllShows);
+    QCOMPARE(form.showType(), int(BkCalendar::Show1Day));
+    QCOMPARE(form.flags(), AllShows);
+    QCOMPARE(form.minWidth(), 300);
+    QVERIFY(form.keysEnabled());
+    QVERIFY(!form.isOverview());
+    QVERIFY(form.resources().isEmpty());
+    QVERIFY(form.model());
+    QCOMPARE(form.view()->model(), form.model());
+    QCOMPARE(form.date(), Wednesday);
+    QCOMPARE(form.view()->days(), 1);
+    QVERIFY(form.view()->resource().id.isNull());
+}
+
+void tst_BkCalendar::shouldBuildThreeDocksWithTheirFinalNames()
+{
+    BkCalendar form(nullptr, AllShows);
+    QStringList names;
+    for (QDockWidget* dock : form.findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        names << dock->objectName();
+    QCOMPARE(names, (QStringList{QStringLiteral("Date Picker"), QStringLiteral("Job List"),
+                                 QStringLiteral("Move List")}));
+    QCOMPARE(form.dateDock()->windowTitle(), QStringLiteral("Date Picker"));
+    QCOMPARE(form.listDock()->windowTitle(), QStringLiteral("Job List"));
+    QCOMPARE(form.moveDock()->windowTitle(), QStringLiteral("Move List"));
+
+    QCOMPARE(form.dateDock()->widget(), static_cast<QWidget*>(form.datePicker()));
+    QCOMPARE(form.datePicker()->sizePolicy().horizontalPolicy(), QSizePolicy::Fixed);
+    QCOMPARE(form.datePicker()->sizePolicy().verticalPolicy(), QSizePolicy::Fixed);
+    QCOMPARE(form.listDock()->widget(), static_cast<QWidget*>(form.jobList()));
+    QCOMPARE(form.jobList()->calendarModel(), form.model());
+    QCOMPARE(form.jobList()->date(), Wednesday);
+
+    FwTreeWidget* moves = form.moveList();
+    QVERIFY(moves);
+    QCOMPARE(form.moveDock()->widget(), static_cast<QWidget*>(moves));
+    QCOMPARE(moves->objectName(), QStringLiteral("mMoveListDock"));
+    QCOMPARE(moves->parent(), form.moveDock());
+    QCOMPARE(moves->headers(), QStringLiteral("Start,End,Title"));
+    QCOMPARE(moves->headerSizes(), QStringLiteral("50,50,100%"));
+    QVERIFY(moves->acceptDrops());
+    QVERIFY(moves->acceptDrag());
+}
+
+void tst_BkCalendar::shouldHaveNoDocksWithNoDocks()
+{
+    auto* form = new BkCalendar(nullptr, AllShows | BkCalendar::NoDocks);
+    QVERIFY(form->findChildren<QDockWidget*>().isEmpty());
+    QVERIFY(!form->datePicker());
+    QVERIFY(!form->jobList());
+    QVERIFY(!form->moveList());
+    QVERIFY(!form->selectedDate().isValid());
+    QCOMPARE(form->date(), Wednesday);
+    // The list operations refuse quietly without a list.
+    BkCalendarItem* item = addBooking(form->model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    QVERIFY(!form->addToMoveList(item));
+    form->moveFromList();
+
+    QVERIFY(mWindow->openForm(form));
+    QVERIFY(mWindow->dockWidgets().isEmpty());
+    QCOMPARE(menuTitles(*mWindow->fwMenuBar()), QStringList{QStringLiteral("Calendars")});
+    QVERIFY(mWindow->closeForm());
+    QVERIFY(mWindow->dockWidgets().isEmpty());
+}
+
+void tst_BkCalendar::shouldBuildDocksOnceFlagsAllowThem()
+{
+    BkCalendar form(nullptr, BkCalendar::NoDocks);
+    form.setFlags(BkCalendar::Show1Day);
+    QCOMPARE(form.flags(), int(BkCalendar::Show1Day));
+    QVERIFY(form.datePicker());
+    QVERIFY(form.jobList());
+    QVERIFY(form.moveList());
+    QCOMPARE(form.findChildren<QDockWidget*>().count(), 3);
+    QCOMPARE(form.jobList()->date(), Wednesday);
+    // The picker is joined to the view and the list.
+    emit form.datePicker()->clicked(QDate(2026, 12, 1));
+    QCOMPARE(form.date(), QDate(2026, 12, 1));
+    QCOMPARE(form.jobList()->date(), QDate(2026, 12, 1));
+    // Setting the flag again leaves the docks in place.
+    form.setFlags(BkCalendar::NoDocks);
+    QCOMPARE(form.findChildren<QDockWidget*>().count(), 3);
+}
+
+void tst_BkCalendar::shouldAddTheOfferedActionsToToolBarAndMenu_data()
+{
+    QTest::addColumn<int>("flags");
+    QTest::addColumn<QStringList>("texts");
+    QTest::addColumn<bool>("views");
+    const QStringList all{QStringLiteral("1 Day"), QStringLiteral("5 Days"), QStringLiteral("7 Days"),
+                          QStringLiteral("Month"), QStringLiteral("Group")};
+    QTest::newRow("all five") << AllShows << all << true;
+    QTest::newRow("flags 0") << 0 << QStringList() << true;
+    QTest::newRow("5 days and group")
+        << int(BkCalendar::Show5Day | BkCalendar::ShowGroup)
+        << QStringList{QStringLiteral("5 Days"), QStringLiteral("Group")} << true;
+    QTest::newRow("32 means nothing") << 32 << QStringList() << true;
+    QTest::newRow("no docks") << int(AllShows | BkCalendar::NoDocks) << all << false;
+}
+
+void tst_BkCalendar::shouldAddTheOfferedActionsToToolBarAndMenu()
+{
+    QFETCH(int, flags);
+    QFETCH(QStringList, texts);
+    QFETCH(bool, views);
+    BkCalendar form(nullptr, flags);
+    FwToolBar toolBar;
+    QVERIFY(form.setupToolBar(&toolBar));
+    QCOMPARE(toolBar.toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+    QStringList onBar;
+    for (QAction* action : toolBar.actions())
+        onBar << action->text();
+    QCOMPARE(onBar, texts);
+
+    FwMenuBar menuBar;
+    QVERIFY(form.setupMenuBar(&menuBar));
+    const QStringList menus = views ? QStringList{QStringLiteral("Calendars"), QStringLiteral("Views")}
+                                    : QStringList{QStringLiteral("Calendars")};
+    QCOMPARE(menuTitles(menuBar), menus);
+    QStringList inMenu;
+    for (QAction* action : menuNamed(menuBar, QStringLiteral("Calendars"))->actions())
+        inMenu << action->text();
+    QCOMPARE(inMenu, texts);
+    if (views) {
+        const QList<QAction*> toggles = menuNamed(menuBar, QStringLiteral("Views"))->actions();
+        QCOMPARE(toggles,
+                 (QList<QAction*>{form.dateDock()->toggleViewAction(), form.listDock()->toggleViewAction(),
+                                  form.moveDock()->toggleViewAction()}));
+    }
+    // Whatever the flags, every show operation works.
+    form.show5Day();
+    QCOMPARE(form.view()->days(), 5);
+    form.showGroup();
+    QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
+}
+
+void tst_BkCalendar::shouldHangTheDocksInTheMainWindowWhileOpen()
+{
+    auto* form = new BkCalendar(nullptr, AllShows);
+    QPointer<BkCalendar> alive(form);
+    mWindow->show();
+    QVERIFY(QTest::qWaitForWindowExposed(mWindow));
+    QVERIFY(mWindow->openForm(form));
+    QCOMPARE(mWindow->dockWidgets(),
+             (QList<QDockWidget*>{form->dateDock(), form->listDock(), form->moveDock()}));
+    for (QDockWidget* dock : mWindow->dockWidgets()) {
+        QCOMPARE(mWindow->dockWidgetArea(dock), Qt::RightDockWidgetArea);
+        QVERIFY(dock->isVisible());
+    }
+    QCOMPARE(menuTitles(*mWindow->fwMenuBar()),
+             (QStringList{QStringLiteral("Calendars"), QStringLiteral("Views")}));
+
+    // Scrolled away; close brings the grid back to its corner and takes the docks down.
+    form->show5Day();
+    form->view()->verticalScrollBar()->setValue(300);
+    QDockWidget* date = form->dateDock();
+    QVERIFY(form->close());
+    QVERIFY(mWindow->dockWidgets().isEmpty());
+    QVERIFY(!date->isVisible());
+    QCOMPARE(form->view()->verticalScrollBar()->value(), form->view()->verticalScrollBar()->minimum());
+    // A second open hangs them in again.
+    QVERIFY(form->open(nullptr));
+    QCOMPARE(mWindow->dockWidgets().count(), 3);
+    QVERIFY(mWindow->closeForm());
+    QTRY_VERIFY(!alive);
+    mWindow->hide();
+}
+
+void tst_BkCalendar::shouldPassOnTheSignalsOfViewModelAndScene()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    QSignalSpy load(&form, &BkCalendar::loadData);
+    QSignalSpy save(&form, &BkCalendar::saveItems);
+    QSignalSpy selected(&form, &BkCalendar::dateSelected);
+    QSignalSpy changed(&form, &BkCalendar::dateChanged);
+    QSignalSpy resource(&form, &BkCalendar::resourceSelected);
+    QSignalSpy selection(&form, &BkCalendar::selectionChanged);
+    QSignalSpy activated(&form, &BkCalendar::itemActivated);
+
+    form.show5Day();
+    form.setDate(QDate(2027, 2, 3));
+    QVERIFY(load.count() > 0);
+    QCOMPARE(load.last().at(2).value<BkCalendarResource>().id.toInt(), 5);
+
+    BkCalendarItem* item = addBooking(form.model(), 1, QDate(2027, 2, 3), 5, QTime(9, 0), QTime(10, 0));
+    item->invalidate(true);
+    item->commit(true);
+    QCOMPARE(save.count(), 1);
+    QCOMPARE(save.first().first().value<QList<BkCalendarItem*>>(), QList<BkCalendarItem*>{item});
+
+    selected.clear();
+    changed.clear();
+    form.view()->getColumnList().at(0)->setSelected(true);
+    QCOMPARE(selected.count(), 1);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(selected.first().first().toDate(), QDate(2027, 2, 1));
+    QVERIFY(selection.count() > 0);
+
+    form.setResource(BkCalendarResource(6, QStringLiteral("Ben"), 0));
+    QCOMPARE(resource.count(), 1);
+    QCOMPARE(resource.first().first().value<BkCalendarResource>().id.toInt(), 6);
+    QMetaObject::invokeMethod(form.view(), "itemActivated", Q_ARG(BkCalendarItem*, item));
+    QCOMPARE(activated.count(), 1);
+}
+
+void tst_BkCalendar::shouldFollowADateClickedInThePicker()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.show5Day();
+    form.setDate(Wednesday);
+    QSignalSpy selected(&form, &BkCalendar::dateSelected);
+    QSignalSpy changed(&form, &BkCalendar::dateChanged);
+    // A day of another week: the view re-anchors and its new selection reports the date.
+    emit form.datePicker()->clicked(QDate(2026, 12, 3));
+    QCOMPARE(form.date(), QDate(2026, 11, 30));
+    QCOMPARE(form.jobList()->date(), QDate(2026, 12, 3));
+    QCOMPARE(selected.count(), 1);
+    QCOMPARE(changed.count(), 1);
+    // A date that is on show in the group view keeps the selection as it is: no signal of the form.
+    form.showGroup();
+    selected.clear();
+    changed.clear();
+    emit form.datePicker()->clicked(QDate(2026, 12, 4));
+    QCOMPARE(form.date(), QDate(2026, 12, 4));
+    QCOMPARE(selected.count(), 0);
+    QCOMPARE(changed.count(), 0);
+}
+
+void tst_BkCalendar::shouldEmitDateChangedAtEverySetDate()
+{
+    BkCalendar form(nullptr, AllShows);
+    QSignalSpy changed(&form, &BkCalendar::dateChanged);
+    form.setDate(QDate(2026, 12, 31));
+    QCOMPARE(changed.count() >= 1, true);
+    QCOMPARE(changed.last().first().toDate(), QDate(2026, 12, 31));
+    changed.clear();
+    form.refresh();
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.first().first().toDate(), QDate(2026, 12, 31));
+    // The picker stays where it was: the form's setDate does not touch it.
+    QCOMPARE(form.selectedDate(), form.datePicker()->selectedDate());
+    QVERIFY(form.selectedDate() != QDate(2026, 12, 31));
+}
+
+void tst_BkCalendar::shouldRebuildTheGroupOnANewDateOnlyWhenHidingEmpty_data()
+{
+    QTest::addColumn<int>("hideEmpty");
+    QTest::addColumn<int>("columnsAfter");
+    QTest::newRow("hide empty: rebuilt for the day") << 1 << 1;
+    QTest::newRow("keep empty: dates only") << 0 << 2;
+}
+
+void tst_BkCalendar::shouldRebuildTheGroupOnANewDateOnlyWhenHidingEmpty()
+{
+    QFETCH(int, hideEmpty);
+    QFETCH(int, columnsAfter);
+    setHideEmpty(hideEmpty);
+    BkCalendar form(nullptr, AllShows);
+    const BkCalendarResource anna(5, QStringLiteral("Anna"), 0);
+    const BkCalendarResource room(3, QStringLiteral("Room"), 1);
+    addPlan(form.model(), Wednesday, anna);
+    addPlan(form.model(), Wednesday, room);
+    addPlan(form.model(), QDate(2026, 11, 26), room);
+    form.setResourceList({anna, room});
+    form.showGroup();
+    QCOMPARE(form.view()->days(), 2);
+    const QList<BkCalendarColumn*> before = form.view()->getColumnList();
+    form.setDate(QDate(2026, 11, 26));
+    QCOMPARE(form.view()->days(), columnsAfter);
+    QCOMPARE(form.view()->getColumnList() == before, hideEmpty != 1);
+    QCOMPARE(columnDates(form).first(), QDate(2026, 11, 26));
+    // refresh takes the same road.
+    form.refresh();
+    QCOMPARE(form.view()->days(), columnsAfter);
+}
+
+void tst_BkCalendar::shouldKeepMinWidthAndResourceListForTheGroupView()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.show5Day();
+    const QList<BkCalendarColumn*> days = form.view()->getColumnList();
+    form.setMinWidth(150);
+    form.setResourceList(
+        {BkCalendarResource(1, QStringLiteral("A"), 0), BkCalendarResource(2, QStringLiteral("B"), 0)});
+    QCOMPARE(form.view()->getColumnList(), days);
+    QCOMPARE(form.view()->minWidth(), 100.0);
+    form.showGroup();
+    QCOMPARE(form.view()->days(), 2);
+    QCOMPARE(form.view()->minWidth(), 150.0);
+    // In group view both rebuild the columns at once, also with the same list.
+    QPointer<BkCalendarColumn> first(form.view()->getColumnList().first());
+    form.setResourceList(form.resources());
+    QVERIFY(!first);
+    QCOMPARE(form.view()->days(), 2);
+    form.setMinWidth(120);
+    QCOMPARE(form.view()->minWidth(), 120.0);
+}
+
+void tst_BkCalendar::shouldHandTheResourceToViewAndJobList()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    QCOMPARE(form.view()->resource().id.toInt(), 5);
+    QCOMPARE(form.jobList()->resource().id.toInt(), 5);
+    BkCalendar bare(nullptr, BkCalendar::NoDocks);
+    bare.setResource(BkCalendarResource(6, QStringLiteral("Ben"), 0));
+    QCOMPARE(bare.view()->resource().id.toInt(), 6);
+}
+
+void tst_BkCalendar::shouldGiveACopyOfTheColourScheme()
+{
+    BkCalendar form(nullptr, AllShows);
+    BkCalendarColorScheme copy = form.scheme();
+    copy.statusColors[42].name = QStringLiteral("changed");
+    QVERIFY(!form.view()->colorScheme()->statusColors.contains(42));
+    QCOMPARE(copy.selectedHeader, form.view()->colorScheme()->selectedHeader);
+}
+
+void tst_BkCalendar::shouldFindTheSelectedBooking()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    BkCalendarItem* item = addBooking(form.model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    QVERIFY(!form.selectedItem());
+    // A selected column is no booking.
+    form.view()->getColumnList().first()->setSelected(true);
+    QVERIFY(!form.selectedItem());
+    QVERIFY(item->widget);
+    item->widget->setSelected(true);
+    QCOMPARE(form.selectedItem(), item);
+    QVERIFY(form.addSelectedItemToMoveList());
+    QCOMPARE(form.moveList()->topLevelItemCount(), 1);
+}
+
+void tst_BkCalendar::shouldReadTheDatabaseClock()
+{
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-2);
+    const QDateTime now = BkCalendar::now();
+    const QDateTime after = QDateTime::currentDateTimeUtc().addSecs(2);
+    QVERIFY(now.isValid());
+    // SQLite tells the time in UTC, without a zone: compare it as such.
+    QDateTime utc = now;
+    utc.setTimeSpec(Qt::UTC);
+    QVERIFY2(before <= utc && utc <= after, qPrintable(now.toString(Qt::ISODate)));
+}
+
+void tst_BkCalendar::shouldGiveAnInvalidTimeWhenTheDatabaseCannotAnswer()
+{
+    // A database that cannot be opened: the query fails, and no local clock stands in for it.
+    QSqlDatabase db = QSqlDatabase::database();
+    db.close();
+    db.setDatabaseName(QStringLiteral("/nonexistent/folder/calendar.sqlite"));
+    const QDateTime now = BkCalendar::now();
+    db.close();
+    db.setDatabaseName(QStringLiteral(":memory:"));
+    QVERIFY(db.open());
+    QVERIFY(!now.isValid());
+}
+
+void tst_BkCalendar::shouldMakeTheFiveShowActions()
+{
+    BkCalendar form(nullptr, AllShows);
+    struct Row
+    {
+        QAction* action;
+        QString icon, text, tip, shortcut;
+    };
+    const QList<Row> rows{
+        {form.action1Day(), ":/calendar/1day.png", "1 Day", "Show 1 days calendar for the current user",
+         "Ctrl+1"},
+        {form.action5Day(), ":/calendar/5days.png", "5 Days", "Show 5 day calendar for the current user",
+         "Ctrl+5"},
+        {form.action7Day(), ":/calendar/7days.png", "7 Days", "Show 7 days calendar for the current user",
+         "Ctrl+7"},
+        {form.actionMonth(), ":/calendar/month.png", "Month", "Show month days calendar for the current user",
+         "Ctrl+M"},
+        {form.actionGroup(), ":/calendar/calgroup.png", "Group", "Show the group calendar", "Ctrl+R"}};
+    QList<QAction*> actions;
+    for (const Row& row : rows) {
+        QVERIFY(row.action);
+        actions << row.action;
+        QCOMPARE(row.action->parent(), &form);
+        QCOMPARE(row.action->text(), row.text);
+        QCOMPARE(row.action->statusTip(), row.tip);
+        QCOMPARE(row.action->toolTip(), row.text);
+        QCOMPARE(row.action->shortcut(), QKeySequence(row.shortcut));
+        QVERIFY(!row.action->isCheckable());
+        QVERIFY(!QPixmap(row.icon).isNull());
+        QCOMPARE(row.action->icon().pixmap(32).toImage(), QIcon(row.icon).pixmap(32).toImage());
+    }
+    QCOMPARE(form.showActions()->actions(), actions);
+    QCOMPARE(form.showActions()->parent(), &form);
+
+    form.action5Day()->trigger();
+    QCOMPARE(form.showType(), int(BkCalendar::Show5Day));
+    form.actionGroup()->trigger();
+    QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
+    form.action7Day()->trigger();
+    QCOMPARE(form.view()->days(), 7);
+    form.actionMonth()->trigger();
+    QCOMPARE(form.showType(), int(BkCalendar::ShowMonth));
+    form.action1Day()->trigger();
+    QCOMPARE(form.view()->days(), 1);
+}
+
+void tst_BkCalendar::shouldShowTheChosenNumberOfDays_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("days");
+    QTest::newRow("1 day") << int(BkCalendar::Show1Day) << 1;
+    QTest::newRow("5 days") << int(BkCalendar::Show5Day) << 5;
+    QTest::newRow("7 days") << int(BkCalendar::Show7Day) << 7;
+}
+
+void tst_BkCalendar::shouldShowTheChosenNumberOfDays()
+{
+    QFETCH(int, type);
+    QFETCH(int, days);
+    BkCalendar form(nullptr, AllShows);
+    form.setResourceList({BkCalendarResource(1, QStringLiteral("A"), 0)});
+    form.showGroup();
+    QSignalSpy show(&form, &BkCalendar::showResourceInfo);
+    QSignalSpy hide(&form, &BkCalendar::hideResourceInfo);
+    if (type == BkCalendar::Show1Day)
+        form.show1Day();
+    else if (type == BkCalendar::Show5Day)
+        form.show5Day();
+    else
+        form.show7Day();
+    QCOMPARE(form.showType(), type);
+    QCOMPARE(form.view()->days(), days);
+    QCOMPARE(form.view()->dayMode(), 1);
+    QCOMPARE(show.count(), 1);
+    QCOMPARE(hide.count(), 0);
+}
+
+void tst_BkCalendar::shouldKeepTheDaysForTheMonth()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.show5Day();
+    const QList<BkCalendarColumn*> columns = form.view()->getColumnList();
+    QSignalSpy show(&form, &BkCalendar::showResourceInfo);
+    form.showMonth();
+    QCOMPARE(form.showType(), int(BkCalendar::ShowMonth));
+    QCOMPARE(form.view()->days(), 5);
+    QCOMPARE(form.view()->getColumnList(), columns);
+    QCOMPARE(show.count(), 1);
+}
+
+void tst_BkCalendar::shouldShowTheGroupWithItsMinimumWidth()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResourceList(
+        {BkCalendarResource(1, QStringLiteral("A"), 0), BkCalendarResource(2, QStringLiteral("B"), 1)});
+    QSignalSpy hide(&form, &BkCalendar::hideResourceInfo);
+    QSignalSpy show(&form, &BkCalendar::showResourceInfo);
+    form.showGroup();
+    QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
+    QCOMPARE(form.view()->dayMode(), 0);
+    QCOMPARE(form.view()->days(), 2);
+    QCOMPARE(form.view()->minWidth(), 300.0);
+    QCOMPARE(hide.count(), 1);
+    QCOMPARE(show.count(), 0);
+    // An empty group asks for one.
+    form.setResourceList({});
+    QVERIFY(form.view()->infoWidget());
+    QCOMPARE(form.view()->infoWidget()->messageType(), 0);
+}
+
+void tst_BkCalendar::shouldToggleTheOverviewAndComeBack()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setMinuteHeight(2.0);
+    form.setResourceList({BkCalendarResource(1, QStringLiteral("A"), 0)});
+    form.show5Day();
+    form.overview();
+    QVERIFY(form.isOverview());
+    QCOMPARE(form.view()->minuteHeight(), 1.0);
+    QCOMPARE(form.minWidth(), 10);
+    // Outside the group view the new minimum waits for the next group.
+    QCOMPARE(form.view()->minWidth(), 100.0);
+    // A minimum set in between is lost when the overview ends.
+    form.setMinWidth(222);
+    form.overview();
+    QVERIFY(!form.isOverview());
+    QCOMPARE(form.view()->minuteHeight(), 2.0);
+    QCOMPARE(form.minWidth(), 300);
+
+    form.showGroup();
+    form.overview();
+    QCOMPARE(form.view()->minWidth(), 10.0);
+    form.overview();
+    QCOMPARE(form.view()->minWidth(), 300.0);
+    QCOMPARE(form.view()->minuteHeight(), 2.0);
+}
+
+void tst_BkCalendar::shouldJumpToAPickedDate()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.show5Day();
+    QSignalSpy selected(&form, &BkCalendar::dateSelected);
+    FwTest::whenModal([](QWidget* modal) {
+        auto* picker = qobject_cast<FwDatePicker*>(modal);
+        QVERIFY(picker);
+        picker->setDate(QDate(2027, 1, 14));
+        picker->accept();
+    });
+    form.jumpTo();
+    QCOMPARE(form.view()->selectedDate(), QDate(2027, 1, 14));
+    QCOMPARE(form.date(), QDate(2027, 1, 11));
+    QCOMPARE(form.datePicker()->selectedDate(), QDate(2027, 1, 14));
+    QVERIFY(selected.count() >= 1);
+    QCOMPARE(selected.last().first().toDate(), QDate(2027, 1, 11));
+    QVERIFY(form.findChildren<FwDatePicker*>().isEmpty());
+}
+
+void tst_BkCalendar::shouldNotJumpWhenThePickerIsCancelled()
+{
+    BkCalendar form(nullptr, AllShows);
+    QSignalSpy selected(&form, &BkCalendar::dateSelected);
+    FwTest::whenModal([](QWidget* modal) {
+        auto* picker = qobject_cast<FwDatePicker*>(modal);
+        QVERIFY(picker);
+        picker->setDate(QDate(2027, 1, 14));
+        picker->reject();
+    });
+    form.jumpTo();
+    QCOMPARE(form.date(), Wednesday);
+    QCOMPARE(selected.count(), 0);
+    QVERIFY(form.findChildren<FwDatePicker*>().isEmpty());
+}
+
+void tst_BkCalendar::shouldJumpToToday()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setDate(QDate(2027, 5, 5));
+    form.datePicker()->setSelectedDate(QDate(2027, 5, 5));
+    BkCalendarClock::setFixedNow(QDateTime(QDate(2026, 12, 31), QTime(23, 59)));
+    QSignalSpy selected(&form, &BkCalendar::dateSelected);
+    form.jumpToToday();
+    QCOMPARE(form.date(), QDate(2026, 12, 31));
+    QCOMPARE(form.datePicker()->selectedDate(), QDate(2026, 12, 31));
+    QVERIFY(selected.count() >= 1);
+    QCOMPARE(selected.last().first().toDate(), QDate(2026, 12, 31));
+}
+
+void tst_BkCalendar::shouldStepADayWithCtrlPage_data()
+{
+    QTest::addColumn<int>("flags");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QDate>("expected");
+    QTest::newRow("forward with a picker") << AllShows << int(Qt::Key_PageDown) << QDate(2027, 1, 1);
+    QTest::newRow("back with a picker") << AllShows << int(Qt::Key_PageUp) << QDate(2026, 12, 30);
+    QTest::newRow("forward without docks")
+        << int(AllShows | BkCalendar::NoDocks) << int(Qt::Key_PageDown) << QDate(2027, 1, 1);
+    QTest::newRow("back without docks")
+        << int(AllShows | BkCalendar::NoDocks) << int(Qt::Key_PageUp) << QDate(2026, 12, 30);
+}
+
+void tst_BkCalendar::shouldStepADayWithCtrlPage()
+{
+    QFETCH(int, flags);
+    QFETCH(int, key);
+    QFETCH(QDate, expected);
+    BkCalendar form(nullptr, flags);
+    form.setDate(QDate(2026, 12, 31));
+    QSignalSpy selected(&form, &BkCalendar::dateSelected);
+    QTest::keyClick(&form, Qt::Key(key), Qt::ControlModifier);
+    QCOMPARE(form.date(), expected);
+    if (form.datePicker()) {
+        QCOMPARE(form.datePicker()->selectedDate(), expected);
+    } else {
+        QVERIFY(selected.count() >= 1);
+        QCOMPARE(selected.last().first().toDate(), expected);
+    }
+    // Without Ctrl the date stays.
+    QTest::keyClick(&form, Qt::Key(key));
+    QCOMPARE(form.date(), expected);
+}
+
+void tst_BkCalendar::shouldStepColumnsWithCtrlArrowsAndWrap_data()
+{
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("to");
+    QTest::newRow("right") << 1 << int(Qt::Key_Right) << 2;
+    QTest::newRow("right from the last wraps") << 4 << int(Qt::Key_Right) << 0;
+    QTest::newRow("right with none selected") << -1 << int(Qt::Key_Right) << 0;
+    QTest::newRow("left") << 3 << int(Qt::Key_Left) << 2;
+    QTest::newRow("left from the first wraps") << 0 << int(Qt::Key_Left) << 4;
+    QTest::newRow("left with none selected") << -1 << int(Qt::Key_Left) << 4;
+}
+
+void tst_BkCalendar::shouldStepColumnsWithCtrlArrowsAndWrap()
+{
+    QFETCH(int, from);
+    QFETCH(int, key);
+    QFETCH(int, to);
+    BkCalendar form(nullptr, AllShows);
+    form.show5Day();
+    form.view()->scene()->clearSelection();
+    if (from >= 0)
+        form.view()->getColumnList().at(from)->setSelected(true);
+    QTest::keyClick(&form, Qt::Key(key), Qt::ControlModifier);
+    QCOMPARE(selectedColumnIndex(form), to);
+    QCOMPARE(form.view()->scene()->selectedItems().count(), 1);
+    // Ctrl+Shift counts as Ctrl.
+    QTest::keyClick(&form, Qt::Key(key), Qt::ControlModifier | Qt::ShiftModifier);
+    QVERIFY(selectedColumnIndex(form) != to);
+}
+
+void tst_BkCalendar::shouldDoNothingOnCtrlArrowsWithoutColumns()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResourceList({});
+    form.showGroup();
+    QCOMPARE(form.view()->days(), 0);
+    form.selectNextColumn();
+    form.selectPreviousColumn();
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_Right, Qt::ControlModifier);
+    QCoreApplication::sendEvent(&form, &event);
+    // The base handler, which would ignore an unknown key, is not reached.
+    QVERIFY(event.isAccepted());
+    QVERIFY(!form.getSelectedColumn());
+}
+
+void tst_BkCalendar::shouldStepBookingsWithCtrlUpAndDown()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    BkCalendarItem* first = addBooking(form.model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    BkCalendarItem* second = addBooking(form.model(), 2, Wednesday, 5, QTime(11, 0), QTime(12, 0));
+    BkCalendarColumn* column = form.view()->getColumnList().first();
+    form.view()->scene()->clearSelection();
+    column->setSelected(true);
+    QTest::keyClick(&form, Qt::Key_Down, Qt::ControlModifier);
+    QVERIFY(first->widget->isSelected());
+    QTest::keyClick(&form, Qt::Key_Down, Qt::ControlModifier);
+    QVERIFY(second->widget->isSelected());
+    QVERIFY(!first->widget->isSelected());
+    QTest::keyClick(&form, Qt::Key_Up, Qt::ControlModifier);
+    QVERIFY(first->widget->isSelected());
+    // Without Ctrl nothing steps.
+    QTest::keyClick(&form, Qt::Key_Down);
+    QVERIFY(first->widget->isSelected());
+    QVERIFY(!second->widget->isSelected());
+}
+
+void tst_BkCalendar::shouldLeaveKeysWithoutCtrlToTheBase_data()
+{
+    QTest::addColumn<int>("key");
+    for (int key : {int(Qt::Key_V), int(Qt::Key_X), int(Qt::Key_Left), int(Qt::Key_Right), int(Qt::Key_Up),
+                    int(Qt::Key_Down), int(Qt::Key_PageUp), int(Qt::Key_PageDown), int(Qt::Key_A)})
+        QTest::newRow(qPrintable(QKeySequence(key).toString())) << key;
+}
+
+void tst_BkCalendar::shouldLeaveKeysWithoutCtrlToTheBase()
+{
+    QFETCH(int, key);
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.show5Day();
+    form.setDate(Wednesday);
+    BkCalendarItem* item = addBooking(form.model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    item->widget->setSelected(true);
+    const QList<QGraphicsItem*> selection = form.view()->scene()->selectedItems();
+    QTest::keyClick(&form, Qt::Key(key));
+    QCOMPARE(form.date(), Monday);
+    QCOMPARE(form.view()->scene()->selectedItems(), selection);
+    QCOMPARE(form.moveList()->topLevelItemCount(), 0);
+    QCOMPARE(item->start(), QTime(9, 0));
+}
+
+void tst_BkCalendar::shouldSelectTheColumnAgainOnEscape()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    BkCalendarItem* item = addBooking(form.model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    BkCalendarColumn* column = form.view()->getColumnList().first();
+    column->setSelected(true);
+    item->widget->setSelected(true);
+    QTest::keyClick(&form, Qt::Key_Escape);
+    QCOMPARE(form.view()->scene()->selectedItems(), QList<QGraphicsItem*>{column});
+    // With no selected column Escape does nothing at all.
+    form.view()->scene()->clearSelection();
+    item->widget->setSelected(true);
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(&form, &event);
+    QVERIFY(event.isAccepted());
+    QVERIFY(item->widget->isSelected());
+}
+
+void tst_BkCalendar::shouldKeepKeysWorkingWhenDisabled()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setKeysEnabled(false);
+    QVERIFY(!form.keysEnabled());
+    form.show5Day();
+    form.setDate(Wednesday);
+    QTest::keyClick(&form, Qt::Key_Right, Qt::ControlModifier);
+    QCOMPARE(selectedColumnIndex(form), 3);
+}
+
+void tst_BkCalendar::shouldKeepTheResourceInPersonalModes()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.show5Day();
+    form.view()->getColumnList().first()->setSelected(true);
+    form.show1Day();
+    form.show7Day();
+    form.showMonth();
+    form.showGroup();
+    QCOMPARE(form.view()->resource().id.toInt(), 5);
+}
+
+void tst_BkCalendar::shouldTakeTheResourceOfASelectedColumn()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.setResourceList(
+        {BkCalendarResource(5, QStringLiteral("Anna"), 0), BkCalendarResource(3, QStringLiteral("Room"), 1)});
+    form.showGroup();
+    form.view()->scene()->clearSelection();
+    form.view()->getColumnList().at(1)->setSelected(true);
+    form.show5Day();
+    QCOMPARE(form.view()->resource().id.toInt(), 3);
+    QCOMPARE(form.view()->resource().type, 1);
+    for (BkCalendarColumn* column : form.view()->getColumnList())
+        QCOMPARE(column->resource().id.toInt(), 3);
+    // The job list keeps its own resource.
+    QCOMPARE(form.jobList()->resource().id.toInt(), 5);
+
+    // A second showGroup in group view passes through detection too, and the column stays selected.
+    form.showGroup();
+    form.view()->scene()->clearSelection();
+    form.view()->getColumnList().at(0)->setSelected(true);
+    form.setMinWidth(200);
+    QCOMPARE(form.view()->resource().id.toInt(), 5);
+    QCOMPARE(selectedColumnIndex(form), 0);
+}
+
+void tst_BkCalendar::shouldTakeTheResourceOfASelectedHeader()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResourceList(
+        {BkCalendarResource(5, QStringLiteral("Anna"), 0), BkCalendarResource(3, QStringLiteral("Room"), 1)});
+    form.showGroup();
+    form.view()->scene()->clearSelection();
+    BkCalendarHeader* header = form.view()->getColumnList().at(1)->header();
+    // The header's own setSelected is its highlight; the graphics item's is the selection.
+    static_cast<QGraphicsItem*>(header)->setSelected(true);
+    QCOMPARE(form.view()->selectedItems(), QList<QGraphicsItem*>{header});
+    form.show1Day();
+    QCOMPARE(form.view()->resource().id.toInt(), 3);
+}
+
+void tst_BkCalendar::shouldTakeTheResourceOfTheColumnHoldingABooking()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResourceList(
+        {BkCalendarResource(5, QStringLiteral("Anna"), 0), BkCalendarResource(6, QStringLiteral("Ben"), 0)});
+    form.showGroup();
+    BkCalendarItem* item = addBooking(form.model(), 1, Wednesday, 6, QTime(9, 0), QTime(10, 0));
+    form.view()->scene()->clearSelection();
+    item->widget->setSelected(true);
+    form.show1Day();
+    QCOMPARE(form.view()->resource().id.toInt(), 6);
+}
+
+void tst_BkCalendar::shouldLetAColumnWinOverABookingInEitherOrder_data()
+{
+    QTest::addColumn<bool>("bookingFirst");
+    QTest::newRow("column selected first") << false;
+    QTest::newRow("booking selected first") << true;
+}
+
+void tst_BkCalendar::shouldLetAColumnWinOverABookingInEitherOrder()
+{
+    // Whichever of the two the scene lists first, the column wins over a booking of another column.
+    QFETCH(bool, bookingFirst);
+    BkCalendar form(nullptr, AllShows);
+    form.setResourceList(
+        {BkCalendarResource(5, QStringLiteral("Anna"), 0), BkCalendarResource(6, QStringLiteral("Ben"), 0)});
+    form.showGroup();
+    BkCalendarItem* item = addBooking(form.model(), 1, Wednesday, 6, QTime(9, 0), QTime(10, 0));
+    BkCalendarColumn* anna = form.view()->getColumnList().at(0);
+    form.view()->scene()->clearSelection();
+    if (bookingFirst) {
+        item->widget->setSelected(true);
+        anna->setSelected(true);
+    } else {
+        anna->setSelected(true);
+        item->widget->setSelected(true);
+    }
+    QCOMPARE(form.view()->selectedItems().count(), 2);
+    form.show1Day();
+    QCOMPARE(form.view()->resource().id.toInt(), 5);
+}
+
+void tst_BkCalendar::shouldTakeTheLastOfSeveralSelectedColumns()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResourceList({BkCalendarResource(5, QStringLiteral("Anna"), 0),
+                          BkCalendarResource(6, QStringLiteral("Ben"), 0),
+                          BkCalendarResource(7, QStringLiteral("Cleo"), 0)});
+    form.showGroup();
+    form.view()->scene()->clearSelection();
+    form.view()->getColumnList().at(0)->setSelected(true);
+    form.view()->getColumnList().at(2)->setSelected(true);
+    // The scene decides the order of its selection; the last column in it wins.
+    const QList<QGraphicsItem*> selected = form.view()->selectedItems();
+    QCOMPARE(selected.count(), 2);
+    const int expected = static_cast<BkCalendarColumn*>(selected.last())->resource().id.toInt();
+    form.show1Day();
+    QCOMPARE(form.view()->resource().id.toInt(), expected);
+}
+
+void tst_BkCalendar::shouldKeepTheResourceForAColumnOfIdMinusOne()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.setResourceList({BkCalendarResource(-1, QStringLiteral("Nobody"), 0)});
+    form.showGroup();
+    form.view()->scene()->clearSelection();
+    form.view()->getColumnList().first()->setSelected(true);
+    form.show1Day();
+    // Not the logged-in user either: the column was found.
+    QCOMPARE(form.view()->resource().id.toInt(), 5);
+}
+
+void tst_BkCalendar::shouldFallBackOnTheLoggedInUser()
+{
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
+    form.showGroup();
+    form.view()->scene()->clearSelection();
+    form.show1Day();
+    QCOMPARE(form.view()->resource().id.toInt(), 99);
+    QCOMPARE(form.view()->resource().type, 0);
+}
+
+FW_TEST_MAIN(tst_BkCalendar)
+#include "tst_bkcalendar.moc"

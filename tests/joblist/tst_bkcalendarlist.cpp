@@ -1,0 +1,341 @@
+// The job list: one person's bookings of one day, kept in step with the model, ordered by the hour.
+
+#include "FwTestApplication.h"
+
+#include <BkCalendarClock.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarList.h>
+#include <BkCalendarListDelegate.h>
+#include <BkCalendarModel.h>
+
+#include <QSignalSpy>
+
+namespace {
+const QDate Wednesday(2026, 11, 25);
+const BkCalendarResource Anna(5, QStringLiteral("Anna"), 0);
+const BkCalendarResource Ben(6, QStringLiteral("Ben"), 0);
+
+BkCalendarItem* booking(BkCalendarModel& model, int id, const QDate& date, const BkCalendarResource& who,
+                        QTime start, QTime end, const QString& title = QString())
+{
+    auto* item = new BkCalendarItem;
+    item->id = id;
+    item->setTitle(title.isEmpty() ? QStringLiteral("Booking %1").arg(id) : title);
+    item->setText(QStringLiteral("<b>text</b> %1").arg(id));
+    item->topColor = QColor(200, 220, 255);
+    item->bottomColor = QColor(120, 160, 230);
+    item->setDate(date);
+    if (who.type == 0)
+        item->setUserId(who.id);
+    else
+        item->setResourceId(who.id);
+    item->setTime(start, end);
+    model.addItem(item);
+    return item;
+}
+
+QStringList titles(const BkCalendarList& list)
+{
+    QStringList result;
+    for (int i = 0; i < list.count(); ++i)
+        result << list.item(i)->data(BkCalendarList::TitleRole).toString();
+    return result;
+}
+
+struct JobList
+{
+    JobList()
+    {
+        list.setCalendarModel(&model);
+        list.updateModel();
+    }
+    BkCalendarModel model;
+    BkCalendarList list;
+};
+} // namespace
+
+class tst_BkCalendarList : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void shouldStartOnTodayWithItsDelegate();
+    void shouldShowTheBookingsOfTheDayAndKey();
+    void shouldCopyEveryFieldIntoTheRoles();
+    void shouldOrderByTheHourOnly();
+    void shouldSortAnInvalidStartFirst();
+    void shouldKeepTheRowsForANullOrUnknownKey_data();
+    void shouldKeepTheRowsForANullOrUnknownKey();
+    void shouldDoNothingWithoutAModel();
+    void shouldAddABookingOfTheDayWhoeverItBelongsTo();
+    void shouldIgnoreABookingOfAnotherDay();
+    void shouldDropAStrangerAtItsFirstChange();
+    void shouldNotMakeARowOnAChange();
+    void shouldRewriteARowOnAChangeAndResort();
+    void shouldLeaveTheOldDayOnASilentMove();
+    void shouldFollowANoisyMove();
+    void shouldDropARemovedBooking();
+    void shouldShowReservedBookings();
+};
+
+void tst_BkCalendarList::init()
+{
+    BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(23, 59, 59)));
+}
+
+void tst_BkCalendarList::cleanup()
+{
+    BkCalendarClock::setFixedNow(QDateTime());
+}
+
+void tst_BkCalendarList::shouldStartOnTodayWithItsDelegate()
+{
+    BkCalendarList list;
+    QCOMPARE(list.date(), Wednesday);
+    QVERIFY(list.resource().id.isNull());
+    QVERIFY(list.resource().name.isEmpty());
+    QCOMPARE(list.resource().type, 0);
+    QVERIFY(!list.calendarModel());
+    QVERIFY(list.isSortingEnabled());
+    QVERIFY(qobject_cast<BkCalendarListDelegate*>(list.itemDelegate()));
+    QVERIFY(!list.itemDelegate()->parent());
+    // The list's own scheme, with the fixed colours.
+    QCOMPARE(list.colorSchemePtr()->selectedHeader, BkCalendarColorScheme().selectedHeader);
+}
+
+void tst_BkCalendarList::shouldShowTheBookingsOfTheDayAndKey()
+{
+    JobList j;
+    booking(j.model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0), QStringLiteral("mine"));
+    booking(j.model, 2, Wednesday, Ben, QTime(9, 0), QTime(10, 0), QStringLiteral("Ben's"));
+    booking(j.model, 3, Wednesday.addDays(1), Anna, QTime(9, 0), QTime(10, 0), QStringLiteral("tomorrow"));
+    j.list.setResource(Anna);
+    j.list.setDate(Wednesday);
+    QCOMPARE(titles(j.list), QStringList{QStringLiteral("mine")});
+    QCOMPARE(j.list.rows().count(), 1);
+    j.list.setDate(Wednesday.addDays(1));
+    QCOMPARE(titles(j.list), QStringList{QStringLiteral("tomorrow")});
+    j.list.setResource(Ben);
+    QCOMPARE(j.list.count(), 0);
+    QVERIFY(j.list.rows().isEmpty());
+}
+
+void tst_BkCalendarList::shouldCopyEveryFieldIntoTheRoles()
+{
+    JobList j;
+    BkCalendarItem* item =
+        booking(j.model, 1, Wednesday, Anna, QTime(9, 15), QTime(10, 45), QStringLiteral("Visit"));
+    item->leftColor = QColor(255, 0, 0);
+    item->rightColor = QColor(0, 255, 0);
+    item->setType(BkCalendarItem::Meeting);
+    j.list.setResource(Anna);
+    QCOMPARE(j.list.count(), 1);
+    QListWidgetItem* row = j.list.item(0);
+    QCOMPARE(j.list.rows().value(item), row);
+    QCOMPARE(row->data(Qt::DisplayRole).toString(), QStringLiteral("09MMSS"));
+    QCOMPARE(row->data(1256).toULongLong(), qulonglong(quintptr(item)));
+    QCOMPARE(row->data(1257).toString(), QStringLiteral("Visit"));
+    QCOMPARE(row->data(1258).toString(), item->text());
+    QCOMPARE(row->data(1259).toTime(), QTime(9, 15));
+    QCOMPARE(row->data(1260).toTime(), QTime(10, 45));
+    QCOMPARE(row->data(1261).value<QColor>(), QColor(255, 0, 0));
+    QCOMPARE(row->data(1262).value<QColor>(), QColor(0, 255, 0));
+    QCOMPARE(row->data(1263).value<QColor>(), QColor(200, 220, 255));
+    QCOMPARE(row->data(1264).value<QColor>(), QColor(120, 160, 230));
+    QCOMPARE(row->data(1265).toInt(), 1);
+    QCOMPARE(row->data(1266).toULongLong(), qulonglong(quintptr(&j.list)));
+    QCOMPARE(row->type(), 0);
+}
+
+void tst_BkCalendarList::shouldOrderByTheHourOnly()
+{
+    JobList j;
+    booking(j.model, 1, Wednesday, Anna, QTime(14, 0), QTime(15, 0), QStringLiteral("two"));
+    booking(j.model, 2, Wednesday, Anna, QTime(9, 40), QTime(10, 0), QStringLiteral("nine forty"));
+    booking(j.model, 3, Wednesday, Anna, QTime(9, 5), QTime(9, 30), QStringLiteral("nine oh five"));
+    booking(j.model, 4, Wednesday, Anna, QTime(8, 59), QTime(9, 30), QStringLiteral("eight"));
+    j.list.setResource(Anna);
+    QCOMPARE(j.list.item(0)->data(BkCalendarList::TitleRole).toString(), QStringLiteral("eight"));
+    QCOMPARE(j.list.item(3)->data(BkCalendarList::TitleRole).toString(), QStringLiteral("two"));
+    // 09:05 and 09:40 share their key; minutes play no part in the order.
+    const QString nineFive = j.list.rows().value(j.model.findId(3))->text();
+    const QString nineForty = j.list.rows().value(j.model.findId(2))->text();
+    QCOMPARE(nineFive, QStringLiteral("09MMSS"));
+    QCOMPARE(nineForty, nineFive);
+    QCOMPARE(QSet<QString>({titles(j.list).at(1), titles(j.list).at(2)}),
+             QSet<QString>({QStringLiteral("nine forty"), QStringLiteral("nine oh five")}));
+}
+
+void tst_BkCalendarList::shouldSortAnInvalidStartFirst()
+{
+    JobList j;
+    booking(j.model, 1, Wednesday, Anna, QTime(7, 0), QTime(8, 0), QStringLiteral("seven"));
+    booking(j.model, 2, Wednesday, Anna, QTime(), QTime(), QStringLiteral("no time"));
+    j.list.setResource(Anna);
+    QCOMPARE(titles(j.list), (QStringList{QStringLiteral("no time"), QStringLiteral("seven")}));
+    QCOMPARE(j.list.item(0)->text(), QString());
+}
+
+void tst_BkCalendarList::shouldKeepTheRowsForANullOrUnknownKey_data()
+{
+    QTest::addColumn<QVariant>("id");
+    QTest::newRow("null id") << QVariant();
+    QTest::newRow("id -1") << QVariant(-1);
+}
+
+void tst_BkCalendarList::shouldKeepTheRowsForANullOrUnknownKey()
+{
+    QFETCH(QVariant, id);
+    JobList j;
+    booking(j.model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0), QStringLiteral("mine"));
+    j.list.setResource(Anna);
+    QCOMPARE(j.list.count(), 1);
+    j.list.setResource(BkCalendarResource(id, QStringLiteral("nobody"), 1));
+    QCOMPARE(j.list.resource().id, id);
+    QCOMPARE(j.list.resource().type, 1);
+    QCOMPARE(titles(j.list), QStringList{QStringLiteral("mine")});
+    // Another date does not clear them either.
+    j.list.setDate(Wednesday.addDays(3));
+    QCOMPARE(j.list.date(), Wednesday.addDays(3));
+    QCOMPARE(j.list.count(), 1);
+}
+
+void tst_BkCalendarList::shouldDoNothingWithoutAModel()
+{
+    BkCalendarList list;
+    list.setResource(Anna);
+    list.setDate(Wednesday);
+    QCOMPARE(list.count(), 0);
+}
+
+void tst_BkCalendarList::shouldAddABookingOfTheDayWhoeverItBelongsTo()
+{
+    JobList j;
+    j.list.setResource(Anna);
+    booking(j.model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0), QStringLiteral("mine"));
+    booking(j.model, 2, Wednesday, Ben, QTime(11, 0), QTime(12, 0), QStringLiteral("Ben's"));
+    QCOMPARE(titles(j.list), (QStringList{QStringLiteral("mine"), QStringLiteral("Ben's")}));
+    // The next full reading shows only Anna's.
+    j.list.setDate(Wednesday);
+    QCOMPARE(titles(j.list), QStringList{QStringLiteral("mine")});
+}
+
+void tst_BkCalendarList::shouldIgnoreABookingOfAnotherDay()
+{
+    JobList j;
+    j.list.setResource(Anna);
+    booking(j.model, 1, Wednesday.addDays(1), Anna, QTime(9, 0), QTime(10, 0));
+    QCOMPARE(j.list.count(), 0);
+}
+
+void tst_BkCalendarList::shouldDropAStrangerAtItsFirstChange()
+{
+    JobList j;
+    j.list.setResource(Anna);
+    BkCalendarItem* bens = booking(j.model, 2, Wednesday, Ben, QTime(11, 0), QTime(12, 0));
+    QCOMPARE(j.list.count(), 1);
+    bens->setTime(QTime(11, 30), QTime(12, 30));
+    QCOMPARE(j.list.count(), 0);
+    QVERIFY(j.list.rows().isEmpty());
+}
+
+void tst_BkCalendarList::shouldNotMakeARowOnAChange()
+{
+    JobList j;
+    BkCalendarItem* item = booking(j.model, 1, Wednesday.addDays(1), Anna, QTime(9, 0), QTime(10, 0));
+    j.list.setResource(Anna);
+    QCOMPARE(j.list.count(), 0);
+    // Moved silently onto the shown day: it belongs now, yet only a change arrives, and a change
+    // alone makes no row.
+    item->setDate(Wednesday, true);
+    QVERIFY(item->isLike(Anna));
+    QCOMPARE(j.list.count(), 0);
+    item->setTime(QTime(9, 30), QTime(10, 30));
+    QCOMPARE(j.list.count(), 0);
+    QVERIFY(j.list.rows().isEmpty());
+}
+
+void tst_BkCalendarList::shouldRewriteARowOnAChangeAndResort()
+{
+    JobList j;
+    BkCalendarItem* early =
+        booking(j.model, 1, Wednesday, Anna, QTime(8, 0), QTime(9, 0), QStringLiteral("early"));
+    booking(j.model, 2, Wednesday, Anna, QTime(10, 0), QTime(11, 0), QStringLiteral("late"));
+    j.list.setResource(Anna);
+    QCOMPARE(titles(j.list), (QStringList{QStringLiteral("early"), QStringLiteral("late")}));
+    QListWidgetItem* row = j.list.rows().value(early);
+    early->setTitle(QStringLiteral("now later"));
+    early->setTime(QTime(15, 0), QTime(16, 0));
+    QCOMPARE(j.list.rows().value(early), row);
+    QCOMPARE(row->data(BkCalendarList::StartRole).toTime(), QTime(15, 0));
+    QCOMPARE(titles(j.list), (QStringList{QStringLiteral("late"), QStringLiteral("now later")}));
+}
+
+void tst_BkCalendarList::shouldLeaveTheOldDayOnASilentMove()
+{
+    JobList j;
+    BkCalendarItem* item = booking(j.model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0));
+    j.list.setResource(Anna);
+    QSignalSpy added(&j.model, &BkCalendarModel::itemAdded);
+    QSignalSpy removed(&j.model, &BkCalendarModel::itemRemoved);
+    item->setDate(Wednesday.addDays(1), true);
+    QCOMPARE(added.count(), 0);
+    QCOMPARE(removed.count(), 0);
+    QCOMPARE(j.list.count(), 0);
+    // A list of the new day does not see it until it reads the day anew.
+    BkCalendarList other;
+    other.setCalendarModel(&j.model);
+    other.setResource(Anna);
+    other.setDate(Wednesday.addDays(2));
+    other.updateModel();
+    item->setTime(QTime(9, 0), QTime(10, 30));
+    other.setDate(Wednesday.addDays(1));
+    QCOMPARE(other.count(), 1);
+}
+
+void tst_BkCalendarList::shouldFollowANoisyMove()
+{
+    JobList j;
+    BkCalendarItem* item = booking(j.model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0));
+    j.list.setResource(Anna);
+    j.list.setDate(Wednesday.addDays(1));
+    QCOMPARE(j.list.count(), 0);
+    QStringList order;
+    connect(&j.model, &BkCalendarModel::itemRemoved, this, [&]() { order << QStringLiteral("removed"); });
+    connect(&j.model, &BkCalendarModel::itemAdded, this, [&]() { order << QStringLiteral("added"); });
+    connect(&j.model, &BkCalendarModel::itemChanged, this, [&]() { order << QStringLiteral("changed"); });
+    item->setDate(Wednesday.addDays(1), false);
+    QCOMPARE(order,
+             (QStringList{QStringLiteral("removed"), QStringLiteral("added"), QStringLiteral("changed")}));
+    QCOMPARE(j.list.count(), 1);
+    QCOMPARE(j.list.rows().count(), 1);
+}
+
+void tst_BkCalendarList::shouldDropARemovedBooking()
+{
+    JobList j;
+    BkCalendarItem* item = booking(j.model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0));
+    j.list.setResource(Anna);
+    QCOMPARE(j.list.count(), 1);
+    j.model.removeItem(item);
+    QCOMPARE(j.list.count(), 0);
+    QVERIFY(j.list.rows().isEmpty());
+    delete item;
+}
+
+void tst_BkCalendarList::shouldShowReservedBookings()
+{
+    JobList j;
+    BkCalendarItem* item =
+        booking(j.model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0), QStringLiteral("held"));
+    item->setType(BkCalendarItem::Reserved);
+    j.list.setResource(Anna);
+    QCOMPARE(titles(j.list), QStringList{QStringLiteral("held")});
+    QCOMPARE(j.list.item(0)->data(BkCalendarList::TypeRole).toInt(), 6);
+}
+
+FW_TEST_MAIN(tst_BkCalendarList)
+#include "tst_bkcalendarlist.moc"
