@@ -1,0 +1,68 @@
+#include "DemoChangeCommand.h"
+
+#include "DemoStore.h"
+
+#include <BkCalendarItem.h>
+#include <BkCalendarModel.h>
+
+#include <FwApplication.h>
+
+#include <QCoreApplication>
+
+DemoChangeCommand::DemoChangeCommand(DemoStore* store, const DemoBookingRow& before,
+                                     const DemoBookingRow& after, const QString& text, QUndoCommand* parent)
+    : QUndoCommand(text, parent)
+    , mStore(store)
+    , mBefore(before)
+    , mAfter(after)
+{
+}
+
+void DemoChangeCommand::undo()
+{
+    show(mAfter, mBefore);
+}
+
+void DemoChangeCommand::redo()
+{
+    // The stack redoes a command as it is pushed; that change is made already.
+    if (mPushed) {
+        mPushed = false;
+        return;
+    }
+    show(mBefore, mAfter);
+}
+
+void DemoChangeCommand::show(const DemoBookingRow& from, DemoBookingRow to)
+{
+    BkCalendarModel* model = mStore->model();
+    const int id = from.isValid() ? from.id : to.id;
+    BkCalendarItem* item = model->findId(id);
+    // A booking with unsaved changes of its own would have them written over; it waits for its save.
+    if (item && model->isInvalid(item)) {
+        mSucceeded = false;
+        FwApplication::app()->showCritical(QCoreApplication::translate(
+            "DemoChangeCommand", "The booking has changes that are not saved yet; "
+                                 "try again in a moment."));
+        return;
+    }
+    if (!to.isValid()) {
+        mSucceeded = mStore->removeRow(id);
+        if (mSucceeded && item) {
+            model->removeItem(item);
+            delete item;
+        }
+    } else {
+        mSucceeded = mStore->writeRow(to);
+        if (mSucceeded) {
+            if (item)
+                to.applyTo(item);
+            else
+                model->addItem(to.makeItem());
+        }
+    }
+    if (!mSucceeded)
+        FwApplication::app()->showCritical(
+            QCoreApplication::translate("DemoChangeCommand", "The change could not be written: %1")
+                .arg(mStore->lastError()));
+}

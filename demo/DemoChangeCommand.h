@@ -1,0 +1,35 @@
+#ifndef DEMOCHANGECOMMAND_H
+#define DEMOCHANGECOMMAND_H
+
+#include "DemoBookingRow.h"
+
+#include <QUndoCommand>
+
+class DemoStore;
+
+// One saved change of one booking: a move, an edit, a creation (no row before) or a deletion (no row
+// after). Undo and redo write the other row to the database and show it in the calendar; the change
+// itself was already made and saved when the command is pushed.
+class DemoChangeCommand : public QUndoCommand
+{
+public:
+    DemoChangeCommand(DemoStore* store, const DemoBookingRow& before, const DemoBookingRow& after,
+                      const QString& text, QUndoCommand* parent = nullptr);
+
+    void undo() override;
+    void redo() override;
+
+    // Whether the command could do its work the last time; a failure is told to the user.
+    bool succeeded() const { return mSucceeded; }
+
+private:
+    void show(const DemoBookingRow& from, DemoBookingRow to);
+
+    DemoStore* mStore;
+    DemoBookingRow mBefore;
+    DemoBookingRow mAfter;
+    bool mPushed = true;
+    bool mSucceeded = true;
+};
+
+#endif // DEMOCHANGECOMMAND_H

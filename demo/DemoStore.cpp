@@ -1,0 +1,323 @@
+#include "DemoStore.h"
+
+#include <BkCalendarItem.h>
+#include <BkCalendarModel.h>
+
+#include <FwApplication.h>
+#include <SQLQuery.h>
+
+#include <QSqlDatabase>
+
+namespace {
+
+const char BookingColumns[] =
+    "id, bk_date, bk_user, bk_resource, bk_start, bk_end, bk_title, bk_text, bk_type, "
+    "bk_flags, bk_status, bk_locked, bk_left, bk_right, bk_top, bk_bottom";
+
+bool isPostgres()
+{
+    return QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false).driverName() ==
+           QLatin1String("QPSQL");
+}
+
+// SQLite keeps times as text: one fixed form keeps them readable and comparable.
+QVariant timeValue(const QTime& time)
+{
+    if (isPostgres())
+        return time;
+    return time.isValid() ? QVariant(time.toString(QStringLiteral("HH:mm:ss"))) : QVariant(QVariant::String);
+}
+
+QVariant colourValue(const QColor& colour)
+{
+    return colour.isValid() ? QVariant(colour.name()) : QVariant(QVariant::String);
+}
+
+QColor colourOf(const QVariant& value)
+{
+    // A colour that does not parse is no colour, as if none were set.
+    const QColor colour(value.toString());
+    return colour.isValid() ? colour : QColor();
+}
+
+QVariant keyOf(const QVariant& value)
+{
+    return value.isNull() ? QVariant() : QVariant(value.toInt());
+}
+
+DemoBookingRow rowOf(const SQLQuery& query)
+{
+    DemoBookingRow row;
+    row.id = query.value(0).toInt();
+    row.date = query.value(1).toDate();
+    row.userId = keyOf(query.value(2));
+    row.resourceId = keyOf(query.value(3));
+    row.start = query.value(4).toTime();
+    row.end = query.value(5).toTime();
+    row.title = query.value(6).toString();
+    row.text = query.value(7).toString();
+    row.type = query.value(8).toInt();
+    row.flags = query.value(9).toInt();
+    row.statusId = keyOf(query.value(10));
+    row.locked = query.value(11).toInt();
+    row.leftColor = colourOf(query.value(12));
+    row.rightColor = colourOf(query.value(13));
+    row.topColor = colourOf(query.value(14));
+    row.bottomColor = colourOf(query.value(15));
+    return row;
+}
+
+// Rows come from a file anyone may edit: a booking without a day or with times that make no span
+// cannot be shown, and is left out rather than shown wrong.
+bool isShowable(const DemoBookingRow& row)
+{
+    return row.id > 0 && row.date.isValid() && row.start.isValid() && row.end.isValid() &&
+           row.start <= row.end;
+}
+
+void bindRow(SQLQuery& query, const DemoBookingRow& row)
+{
+    query.addBindValue(row.date);
+    query.addBindValue(row.userId.isNull() ? QVariant(QVariant::Int) : QVariant(row.userId.toInt()));
+    query.addBindValue(row.resourceId.isNull() ? QVariant(QVariant::Int) : QVariant(row.resourceId.toInt()));
+    query.addBindValue(timeValue(row.start));
+    query.addBindValue(timeValue(row.end));
+    query.addBindValue(row.title);
+    query.addBindValue(row.text);
+    query.addBindValue(row.type);
+    query.addBindValue(row.flags);
+    query.addBindValue(row.statusId.isNull() ? QVariant(QVariant::Int) : QVariant(row.statusId.toInt()));
+    query.addBindValue(row.locked);
+    query.addBindValue(colourValue(row.leftColor));
+    query.addBindValue(colourValue(row.rightColor));
+    query.addBindValue(colourValue(row.topColor));
+    query.addBindValue(colourValue(row.bottomColor));
+}
+
+} // namespace
+
+DemoStore::DemoStore(BkCalendarModel* model, QObject* parent)
+    : QObject(parent)
+    , mModel(model)
+{
+    qRegisterMetaType<QList<DemoBookingRow>>();
+}
+
+bool DemoStore::fail(const QString& why)
+{
+    mError = why;
+    return false;
+}
+
+void DemoStore::loadPlanInfos()
+{
+    SQLQuery query;
+    if (!query.exec(QStringLiteral("SELECT id, pi_label, pi_color FROM demo_planinfo"))) {
+        query.debugLastError(QStringLiteral("demo/DemoStore"), __LINE__);
+        return;
+    }
+    while (query.next()) {
+        BkCalendarPlanInfo info;
+        info.id = query.value(0).toInt();
+        info.label = query.value(1).toString();
+        info.color = colourOf(query.value(2));
+        mModel->addItem(info);
+    }
+}
+
+QList<BkCalendarResource> DemoStore::users() const
+{
+    QList<BkCalendarResource> list;
+    SQLQuery query;
+    if (query.exec(QStringLiteral("SELECT id, usr_name FROM view_user ORDER BY usr_initials")))
+        while (query.next())
+            list << BkCalendarResource(query.value(0).toInt(), query.value(1).toString(), 0);
+    return list;
+}
+
+QList<BkCalendarResource> DemoStore::resources() const
+{
+    QList<BkCalendarResource> list;
+    SQLQuery query;
+    if (query.exec(QStringLiteral("SELECT id, fw_text FROM tbl_resource ORDER BY fw_text")))
+        while (query.next())
+            list << BkCalendarResource(query.value(0).toInt(), query.value(1).toString(), 1);
+    return list;
+}
+
+QMap<int, BkCalendarStatusEntry> DemoStore::statuses() const
+{
+    QMap<int, BkCalendarStatusEntry> map;
+    SQLQuery query;
+    if (query.exec(QStringLiteral("SELECT id, fw_name, fw_color FROM tbl_casestage ORDER BY id")))
+        while (query.next()) {
+            BkCalendarStatusEntry entry;
+            entry.name = query.value(1).toString();
+            entry.color = colourOf(query.value(2));
+            map.insert(query.value(0).toInt(), entry);
+        }
+    return map;
+}
+
+QString DemoStore::nameOf(const BkCalendarResource& who) const
+{
+    for (const BkCalendarResource& candidate : who.type == 0 ? users() : resources())
+        if (candidate.id.toInt() == who.id.toInt())
+            return candidate.name;
+    return QString();
+}
+
+void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarResource& who)
+{
+    if (who.id.isNull() || !from.isValid() || !to.isValid())
+        return;
+    const bool user = who.type == 0;
+    SQLQuery bookings;
+    bookings.prepare(QStringLiteral("SELECT %1 FROM demo_booking WHERE %2 = ? AND bk_date BETWEEN ? AND ? "
+                                    "ORDER BY bk_date, bk_start, id")
+                         .arg(QLatin1String(BookingColumns),
+                              user ? QStringLiteral("bk_user") : QStringLiteral("bk_resource")));
+    bookings.addBindValue(who.id.toInt());
+    bookings.addBindValue(from);
+    bookings.addBindValue(to);
+    if (!bookings.exec()) {
+        bookings.debugLastError(QStringLiteral("demo/DemoStore"), __LINE__);
+        return;
+    }
+    while (bookings.next()) {
+        const DemoBookingRow row = rowOf(bookings);
+        // A booking of a user and a resource comes with both keys; the model holds it once.
+        if (!isShowable(row) || mModel->findId(row.id))
+            continue;
+        BkCalendarItem* item = row.makeItem();
+        item->setBlocked(true);
+        mModel->addItem(item);
+        item->setBlocked(false);
+    }
+
+    SQLQuery plans;
+    plans.prepare(QStringLiteral("SELECT pl_date, pl_start, pl_end, pl_bookable, pl_info FROM demo_plan "
+                                 "WHERE pl_type = ? AND pl_key = ? AND pl_date BETWEEN ? AND ?"));
+    plans.addBindValue(user ? 0 : 1);
+    plans.addBindValue(who.id.toInt());
+    plans.addBindValue(from);
+    plans.addBindValue(to);
+    if (!plans.exec()) {
+        plans.debugLastError(QStringLiteral("demo/DemoStore"), __LINE__);
+        return;
+    }
+    while (plans.next()) {
+        auto* plan = new BkCalendarPlan;
+        plan->date = plans.value(0).toDate();
+        plan->start = plans.value(1).toTime();
+        plan->end = plans.value(2).toTime();
+        plan->bookable = plans.value(3).toInt() != 0;
+        plan->infoId = plans.value(4).isNull() ? -1 : plans.value(4).toInt();
+        plan->resource = BkCalendarResource(who.id.toInt(), who.name, who.type);
+        if (!plan->date.isValid() || !plan->start.isValid() || !plan->end.isValid()) {
+            delete plan;
+            continue;
+        }
+        mModel->addItem(plan);
+    }
+}
+
+std::optional<DemoBookingRow> DemoStore::readRow(int id) const
+{
+    SQLQuery query;
+    query.prepare(
+        QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?").arg(QLatin1String(BookingColumns)));
+    query.addBindValue(id);
+    if (!query.exec() || !query.next())
+        return std::nullopt;
+    return rowOf(query);
+}
+
+bool DemoStore::writeRow(DemoBookingRow& row)
+{
+    const QString fields =
+        QStringLiteral("bk_date, bk_user, bk_resource, bk_start, bk_end, bk_title, bk_text, "
+                       "bk_type, bk_flags, bk_status, bk_locked, bk_left, bk_right, bk_top, "
+                       "bk_bottom");
+    if (row.id > 0) {
+        SQLQuery update;
+        update.prepare(
+            QStringLiteral("UPDATE demo_booking SET bk_date = ?, bk_user = ?, bk_resource = ?, "
+                           "bk_start = ?, bk_end = ?, bk_title = ?, bk_text = ?, bk_type = ?, "
+                           "bk_flags = ?, bk_status = ?, bk_locked = ?, bk_left = ?, bk_right = ?, "
+                           "bk_top = ?, bk_bottom = ? WHERE id = ?"));
+        bindRow(update, row);
+        update.addBindValue(row.id);
+        if (!update.exec())
+            return fail(update.lastError().text());
+        if (update.numRowsAffected() > 0)
+            return true;
+        // Gone from the table, by a deletion that is being undone: back under its own id.
+        SQLQuery insert;
+        insert.prepare(
+            QStringLiteral("INSERT INTO demo_booking (id, %1) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+                           "?, ?, ?, ?)")
+                .arg(fields));
+        insert.addBindValue(row.id);
+        bindRow(insert, row);
+        return insert.exec() || fail(insert.lastError().text());
+    }
+    SQLQuery insert;
+    insert.prepare(
+        QStringLiteral("INSERT INTO demo_booking (%1) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) "
+                       "RETURNING id")
+            .arg(fields));
+    bindRow(insert, row);
+    if (!insert.exec() || !insert.next())
+        return fail(insert.lastError().text());
+    row.id = insert.value(0).toInt();
+    return row.id > 0 || fail(QStringLiteral("The new booking got no id"));
+}
+
+bool DemoStore::removeRow(int id)
+{
+    SQLQuery remove;
+    remove.prepare(QStringLiteral("DELETE FROM demo_booking WHERE id = ?"));
+    remove.addBindValue(id);
+    return remove.exec() || fail(remove.lastError().text());
+}
+
+void DemoStore::saveItems(const QList<BkCalendarItem*>& items)
+{
+    if (items.isEmpty())
+        return;
+    QSqlDatabase db = QSqlDatabase::database();
+    QList<DemoBookingRow> before;
+    QList<DemoBookingRow> after;
+    bool ok = db.transaction() || fail(db.lastError().text());
+    for (int i = 0; ok && i < items.size(); ++i) {
+        BkCalendarItem* item = items.at(i);
+        DemoBookingRow row = DemoBookingRow::fromItem(item);
+        before << (row.id > 0 ? readRow(row.id).value_or(DemoBookingRow()) : DemoBookingRow());
+        ok = writeRow(row);
+        after << row;
+    }
+    ok = ok && (db.commit() || fail(db.lastError().text()));
+    if (!ok) {
+        db.rollback();
+        const QString message =
+            tr("The bookings could not be saved: %1. They are kept and saved with the next "
+               "change.")
+                .arg(mError);
+        if (FwApplication::app())
+            FwApplication::app()->showCritical(message, 10000);
+        // Back on the unsaved list: the next save writes them.
+        for (BkCalendarItem* item : items)
+            item->invalidate(true);
+        emit saveFailed(message);
+        return;
+    }
+    // New bookings have their id now; the model finds them by it from here on.
+    for (int i = 0; i < items.size(); ++i) {
+        if (items.at(i)->id.toInt() != after.at(i).id) {
+            items.at(i)->id = after.at(i).id;
+            items.at(i)->invalidate(false);
+        }
+    }
+    emit written(before, after);
+}

@@ -1,0 +1,62 @@
+#ifndef DEMOSTORE_H
+#define DEMOSTORE_H
+
+#include "DemoBookingRow.h"
+
+#include <BkCalendarRecords.h>
+#include <BkCalendarStatusEntry.h>
+
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <optional>
+
+class BkCalendarItem;
+class BkCalendarModel;
+
+// Reads and writes the practice's bookings and plans for the calendar's model: answers loadData with
+// the rows of a range and key, and writes what saveItems hands back in one transaction.
+class DemoStore : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit DemoStore(BkCalendarModel* model, QObject* parent = nullptr);
+
+    BkCalendarModel* model() const { return mModel; }
+
+    // The kinds of plan block, handed to the model once.
+    void loadPlanInfos();
+    QList<BkCalendarResource> users() const;
+    QList<BkCalendarResource> resources() const;
+    // The statuses of a booking, by id, as the calendar colours them.
+    QMap<int, BkCalendarStatusEntry> statuses() const;
+    // The name of a user or resource, empty when unknown.
+    QString nameOf(const BkCalendarResource& who) const;
+
+    std::optional<DemoBookingRow> readRow(int id) const;
+    // Inserts a row without an id and gives it one; writes a row with an id as it stands, inserting it
+    // again if it was deleted (so that undo of a deletion keeps the id).
+    bool writeRow(DemoBookingRow& row);
+    bool removeRow(int id);
+    QString lastError() const { return mError; }
+
+public slots:
+    void loadData(const QDate& from, const QDate& to, const BkCalendarResource& who);
+    // One transaction. On failure the user is told, and the bookings go back on the unsaved list so
+    // that the next save writes them: nothing is lost.
+    void saveItems(const QList<BkCalendarItem*>& items);
+
+signals:
+    // Rows as they were before and are after a save; `before` has an invalid row for a new booking.
+    void written(const QList<DemoBookingRow>& before, const QList<DemoBookingRow>& after);
+    void saveFailed(const QString& message);
+
+private:
+    bool fail(const QString& why);
+
+    BkCalendarModel* mModel;
+    QString mError;
+};
+
+#endif // DEMOSTORE_H

@@ -1,0 +1,440 @@
+#include "DemoWindow.h"
+
+#include "BookingDialog.h"
+#include "DemoChangeCommand.h"
+#include "DemoStore.h"
+#include "GroupDialog.h"
+#include "SettingsDialog.h"
+
+#include <BkCalendar.h>
+#include <BkCalendarClock.h>
+#include <BkCalendarColumn.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarList.h>
+#include <BkCalendarModel.h>
+#include <BkCalendarStatus.h>
+#include <BkCalendarView.h>
+
+#include <FwApplication.h>
+#include <FwMenuBar.h>
+#include <FwToolBar.h>
+
+#include <QAction>
+#include <QCalendarWidget>
+#include <QCloseEvent>
+#include <QMenu>
+#include <QStyle>
+#include <QToolBar>
+#include <QUndoStack>
+
+namespace {
+const char GroupKey[] = "usr_bookinggrouplist";
+
+int allShows()
+{
+    return BkCalendar::Show1Day | BkCalendar::Show5Day | BkCalendar::Show7Day | BkCalendar::ShowMonth |
+           BkCalendar::ShowGroup;
+}
+
+bool movedOnly(const DemoBookingRow& before, const DemoBookingRow& after)
+{
+    DemoBookingRow moved = before;
+    moved.date = after.date;
+    moved.userId = after.userId;
+    moved.resourceId = after.resourceId;
+    moved.start = after.start;
+    moved.end = after.end;
+    return moved == after;
+}
+} // namespace
+
+DemoWindow::DemoWindow(const QVariant& userId, QWidget* parent)
+    : FwMainWindow(parent)
+{
+    setObjectName(QStringLiteral("DemoWindow"));
+    setWindowTitle(tr("FwCalendar demo: a practice calendar"));
+    setUserId(userId);
+    mUndo = new QUndoStack(this);
+
+    // The calendar is set up as a host embeds it: signals first, then what the view needs, then the
+    // main window runs the form's menu, tool bar and open.
+    mCalendar = new BkCalendar(nullptr, allShows());
+    mStore = new DemoStore(mCalendar->model(), this);
+    mStore->loadPlanInfos();
+    connect(mCalendar, &BkCalendar::loadData, mStore, &DemoStore::loadData);
+    connect(mCalendar, &BkCalendar::saveItems, mStore, &DemoStore::saveItems);
+    connect(mStore, &DemoStore::written, this, &DemoWindow::written);
+    connect(mCalendar, &BkCalendar::itemActivated, this, &DemoWindow::itemActivated);
+    connect(mCalendar, &BkCalendar::planActivated, this, &DemoWindow::planActivated);
+    connect(mCalendar, &BkCalendar::itemContextMenu, this, &DemoWindow::itemContextMenu);
+    connect(mCalendar, &BkCalendar::planContextMenu, this, &DemoWindow::planContextMenu);
+
+    const BkCalendarResource me(userId.toInt(),
+                                mStore->nameOf(BkCalendarResource(userId.toInt(), QString(), 0)), 0);
+    mCalendar->setResource(me);
+    mCalendar->setResourceList(savedGroup());
+    mCalendar->setInterval(QTime(7, 0), QTime(19, 0));
+    mCalendar->setTimeSteps(15);
+    mCalendar->setMinuteHeight(1.5);
+    mCalendar->setRaise(BkCalendarColumn::RaiseOnHover);
+    mCalendar->setMinWidth(160);
+    mCalendar->setToolTipsEnabled(true);
+    openForm(mCalendar);
+    if (formToolBar())
+        formToolBar()->setObjectName(QStringLiteral("CalendarToolBar"));
+
+    setupActions();
+    restoreLayout();
+}
+
+DemoWindow::~DemoWindow() = default;
+
+void DemoWindow::setupActions()
+{
+    QAction* undo = mUndo->createUndoAction(this, tr("&Undo"));
+    undo->setShortcut(QKeySequence(tr("Ctrl+Z")));
+    QAction* redo = mUndo->createRedoAction(this, tr("&Redo"));
+    redo->setShortcut(QKeySequence(tr("Ctrl+Shift+Z")));
+
+    auto* today = new QAction(QIcon(QStringLiteral(":/calendar/calendar.png")), tr("Today"), this);
+    today->setShortcut(QKeySequence(tr("Ctrl+T")));
+    today->setStatusTip(tr("Show today"));
+    connect(today, &QAction::triggered, mCalendar, &BkCalendar::jumpToToday);
+    auto* previous = new QAction(style()->standardIcon(QStyle::SP_ArrowBack), tr("Back"), this);
+    previous->setStatusTip(tr("One day back, or a week in the week views"));
+    connect(previous, &QAction::triggered, this, [this]() { step(-1); });
+    auto* next = new QAction(style()->standardIcon(QStyle::SP_ArrowForward), tr("Forward"), this);
+    next->setStatusTip(tr("One day forward, or a week in the week views"));
+    connect(next, &QAction::triggered, this, [this]() { step(1); });
+    auto* jump = new QAction(tr("Go to…"), this);
+    jump->setShortcut(QKeySequence(tr("Ctrl+G")));
+    connect(jump, &QAction::triggered, mCalendar, &BkCalendar::jumpTo);
+
+    auto* navigation = addToolBar(tr("Navigation"));
+    navigation->setObjectName(QStringLiteral("NavigationToolBar"));
+    navigation->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    navigation->addAction(today);
+    navigation->addAction(previous);
+    navigation->addAction(next);
+    navigation->addAction(jump);
+    navigation->addSeparator();
+    navigation->addAction(undo);
+    navigation->addAction(redo);
+
+    QMenu* edit = fwMenuBar()->addMenu(tr("&Edit"));
+    edit->addAction(undo);
+    edit->addAction(redo);
+    edit->addSeparator();
+    QAction* remove =
+        edit->addAction(tr("&Delete booking"), this, [this]() { deleteBooking(mCalendar->selectedItem()); });
+    remove->setShortcut(QKeySequence::Delete);
+
+    QMenu* practice = fwMenuBar()->addMenu(tr("&Practice"));
+    practice->addAction(tr("Choose the &group…"), this, &DemoWindow::chooseGroup);
+    QMenu* statuses = practice->addMenu(tr("Calendar &statuses"));
+    statuses->addAction(tr("&New status…"), this, [this]() {
+        BkCalendarStatus dialog(FwEnums::DialogCreate, this);
+        dialog.exec();
+    });
+    statuses->addAction(tr("&Find and edit a status…"), this, [this]() {
+        BkCalendarStatus dialog(FwEnums::DialogFind, this);
+        dialog.setStay(true);
+        dialog.exec();
+    });
+    practice->addAction(tr("S&ettings…"), this, &DemoWindow::openSettings);
+    practice->addSeparator();
+    QAction* quit = practice->addAction(tr("&Quit"), this, &QWidget::close);
+    quit->setShortcut(QKeySequence::Quit);
+}
+
+QList<BkCalendarResource> DemoWindow::savedGroup() const
+{
+    QList<BkCalendarResource> everybody = mStore->users() + mStore->resources();
+    QList<BkCalendarResource> group;
+    // "id:type" entries, written by the calendar when the user edits the group on its headers. The
+    // setting may have been edited by hand: entries that don't parse or name nobody are left out.
+    const QString text = FwApplication::app()->getValue(QLatin1String(GroupKey), QString()).toString();
+    for (const QString& entry : text.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        const QStringList parts = entry.trimmed().split(QLatin1Char(':'));
+        bool idOk = false;
+        bool typeOk = false;
+        const int id = parts.value(0).toInt(&idOk);
+        const int type = parts.value(1).toInt(&typeOk);
+        if (parts.size() != 2 || !idOk || !typeOk || id <= 0)
+            continue;
+        for (const BkCalendarResource& candidate : qAsConst(everybody))
+            if (candidate.type == type && candidate.id.toInt() == id && !group.contains(candidate))
+                group << candidate;
+    }
+    group << BkCalendarResource(QVariant(), tr("Double click to add"), 0);
+    return group;
+}
+
+void DemoWindow::chooseGroup()
+{
+    GroupDialog dialog(mStore->users() + mStore->resources(), savedGroup(), this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    QStringList entries;
+    const QList<BkCalendarResource> members = dialog.group();
+    for (const BkCalendarResource& member : members)
+        entries << QStringLiteral("%1:%2").arg(member.id.toInt()).arg(member.type);
+    FwApplication::app()->setValue(entries.join(QLatin1Char(',')), QLatin1String(GroupKey),
+                                   QStringLiteral("tbl_user"));
+    mCalendar->setResourceList(savedGroup());
+    if (currentView() != Group)
+        showView(Group);
+}
+
+void DemoWindow::openSettings()
+{
+    SettingsDialog dialog(this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    dialog.save();
+    mCalendar->setToolTipsEnabled(
+        FwApplication::app()->getValue(QStringLiteral("set_showtooltips")).toInt() == 1);
+    // Hiding empty schedules takes effect with the next group; the rest at the next paint.
+    if (currentView() == Group)
+        mCalendar->showGroup();
+    mCalendar->view()->updateWidgets();
+    mCalendar->view()->viewport()->update();
+}
+
+DemoWindow::View DemoWindow::currentView() const
+{
+    switch (mCalendar->showType()) {
+    case BkCalendar::Show5Day:
+        return FiveDays;
+    case BkCalendar::Show7Day:
+        return SevenDays;
+    case BkCalendar::ShowMonth:
+        return Month;
+    case BkCalendar::ShowGroup:
+        return Group;
+    default:
+        return Day;
+    }
+}
+
+bool DemoWindow::viewFromName(const QString& name, View* view)
+{
+    const QStringList names{QStringLiteral("day"), QStringLiteral("5days"), QStringLiteral("7days"),
+                            QStringLiteral("month"), QStringLiteral("group")};
+    const int index = names.indexOf(name.toLower());
+    if (index < 0)
+        return false;
+    *view = View(index);
+    return true;
+}
+
+void DemoWindow::showView(View view)
+{
+    switch (view) {
+    case Day:
+        mCalendar->show1Day();
+        break;
+    case FiveDays:
+        mCalendar->show5Day();
+        break;
+    case SevenDays:
+        mCalendar->show7Day();
+        break;
+    case Month:
+        mCalendar->showMonth();
+        break;
+    case Group:
+        mCalendar->showGroup();
+        break;
+    }
+    // The days of a new view start from the date on show; the week views anchor on the week.
+    mCalendar->setDate(mCalendar->view()->selectedDate());
+}
+
+void DemoWindow::step(int direction)
+{
+    const View view = currentView();
+    const int days = (view == FiveDays || view == SevenDays || view == Month) ? 7 : 1;
+    const QDate date = mCalendar->view()->selectedDate().addDays(direction * days);
+    mCalendar->setDate(date);
+    if (mCalendar->datePicker())
+        mCalendar->datePicker()->setSelectedDate(date);
+    if (mCalendar->jobList())
+        mCalendar->jobList()->setDate(date);
+}
+
+void DemoWindow::restoreLayout()
+{
+    FwApplication* app = FwApplication::app();
+    if (!restoreGeometry(app->localValue(QStringLiteral("demo/geometry")).toByteArray()))
+        resize(1400, 900);
+    restoreState(app->localValue(QStringLiteral("demo/state")).toByteArray());
+    bool ok = false;
+    const int view = app->localValue(QStringLiteral("demo/view"), int(FiveDays)).toInt(&ok);
+    showView(ok && view >= Day && view <= Group ? View(view) : FiveDays);
+}
+
+void DemoWindow::saveLayout()
+{
+    FwApplication* app = FwApplication::app();
+    app->setLocalValue(QStringLiteral("demo/geometry"), saveGeometry());
+    app->setLocalValue(QStringLiteral("demo/state"), saveState());
+    app->setLocalValue(QStringLiteral("demo/view"), int(currentView()));
+}
+
+void DemoWindow::closeEvent(QCloseEvent* event)
+{
+    // What waits for the save timer is written now.
+    mCalendar->model()->commitToDatabase();
+    saveLayout();
+    FwMainWindow::closeEvent(event);
+}
+
+BkCalendarItem* DemoWindow::createBooking(const BkCalendarResource& who, DemoBookingRow row)
+{
+    row.id = 0;
+    row.userId = who.type == 0 ? QVariant(who.id.toInt()) : QVariant();
+    row.resourceId = who.type == 0 ? QVariant() : QVariant(who.id.toInt());
+    if (!row.topColor.isValid()) {
+        row.topColor = QColor(214, 228, 250);
+        row.bottomColor = QColor(150, 182, 232);
+    }
+    if (!mStore->writeRow(row)) {
+        FwApplication::app()->showCritical(
+            tr("The booking could not be created: %1").arg(mStore->lastError()));
+        return nullptr;
+    }
+    BkCalendarItem* item = row.makeItem();
+    mCalendar->model()->addItem(item);
+    mUndo->push(
+        new DemoChangeCommand(mStore, DemoBookingRow(), row, tr("New booking \"%1\"").arg(row.title)));
+    return item;
+}
+
+bool DemoWindow::editBooking(BkCalendarItem* item, const DemoBookingRow& changed)
+{
+    if (!item)
+        return false;
+    changed.applyTo(item);
+    // On the unsaved list like a move: the next save writes it and the undo stack keeps it.
+    item->invalidate(true);
+    item->commit(false);
+    return true;
+}
+
+bool DemoWindow::deleteBooking(BkCalendarItem* item)
+{
+    if (!item)
+        return false;
+    const int id = item->id.toInt();
+    // Undo brings back the booking as it is stored.
+    const DemoBookingRow before = mStore->readRow(id).value_or(DemoBookingRow::fromItem(item));
+    if (!mStore->removeRow(id)) {
+        FwApplication::app()->showCritical(
+            tr("The booking could not be deleted: %1").arg(mStore->lastError()));
+        return false;
+    }
+    mCalendar->model()->removeItem(item);
+    delete item;
+    mUndo->push(
+        new DemoChangeCommand(mStore, before, DemoBookingRow(), tr("Delete \"%1\"").arg(before.title)));
+    return true;
+}
+
+void DemoWindow::setStatus(BkCalendarItem* item, const QVariant& statusId)
+{
+    if (!item)
+        return;
+    item->setStatusId(statusId);
+    item->commit(false);
+}
+
+void DemoWindow::itemActivated(BkCalendarItem* item)
+{
+    if (!item)
+        return;
+    BookingDialog dialog(DemoBookingRow::fromItem(item), mStore->statuses(), this);
+    if (dialog.exec() == QDialog::Accepted && mCalendar->model()->findId(item->id) == item)
+        editBooking(item, dialog.row());
+}
+
+void DemoWindow::newBookingAt(const BkCalendarPlan* plan, QTime time)
+{
+    if (!plan || !plan->bookable)
+        return;
+    // On the quarter hour under the pointer, half an hour long, inside the plan.
+    QTime start(time.hour(), time.minute() - time.minute() % 15);
+    if (start < plan->start)
+        start = plan->start;
+    QTime end = start.addSecs(30 * 60);
+    if (end > plan->end || end < start)
+        end = plan->end;
+    DemoBookingRow row;
+    row.date = plan->date;
+    row.start = start;
+    row.end = end;
+    row.title = tr("New booking");
+    row.statusId = 1;
+    BookingDialog dialog(row, mStore->statuses(), this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    createBooking(plan->resource, dialog.row());
+}
+
+void DemoWindow::planActivated(BkCalendarPlan* plan, QTime time)
+{
+    newBookingAt(plan, time);
+}
+
+void DemoWindow::itemContextMenu(QPoint pos, BkCalendarItem* item)
+{
+    if (!item)
+        return;
+    QMenu menu(this);
+    menu.addAction(tr("&Edit…"), this, [this, item]() { itemActivated(item); });
+    menu.addAction(tr("Park on the &move list"), mCalendar,
+                   [this, item]() { mCalendar->addToMoveList(item); });
+    QMenu* status = menu.addMenu(tr("&Status"));
+    const QMap<int, BkCalendarStatusEntry> statuses = mStore->statuses();
+    for (auto it = statuses.cbegin(); it != statuses.cend(); ++it) {
+        QAction* action =
+            status->addAction(it.value().name, this, [this, item, id = it.key()]() { setStatus(item, id); });
+        action->setCheckable(true);
+        action->setChecked(!item->statusId.isNull() && item->statusId.toInt() == it.key());
+    }
+    menu.addSeparator();
+    menu.addAction(tr("&Delete"), this, [this, item]() { deleteBooking(item); });
+    menu.exec(pos);
+}
+
+void DemoWindow::planContextMenu(QPoint pos, BkCalendarPlan* plan, QTime time)
+{
+    if (!plan || !plan->bookable)
+        return;
+    QMenu menu(this);
+    menu.addAction(tr("&New booking here…"), this, [this, plan, time]() { newBookingAt(plan, time); });
+    menu.exec(pos);
+}
+
+void DemoWindow::written(const QList<DemoBookingRow>& before, const QList<DemoBookingRow>& after)
+{
+    // One save is one step back: a drag that moved two bookings is undone at once.
+    QList<int> changed;
+    for (int i = 0; i < after.size(); ++i)
+        if (before.value(i) != after.at(i))
+            changed << i;
+    if (changed.isEmpty())
+        return;
+    if (changed.size() > 1)
+        mUndo->beginMacro(tr("Change %n bookings", nullptr, changed.size()));
+    for (int i : qAsConst(changed)) {
+        const DemoBookingRow& was = before.at(i);
+        const DemoBookingRow& is = after.at(i);
+        const QString text = !was.isValid()       ? tr("New booking \"%1\"").arg(is.title)
+                             : movedOnly(was, is) ? tr("Move \"%1\"").arg(is.title)
+                                                  : tr("Edit \"%1\"").arg(is.title);
+        mUndo->push(new DemoChangeCommand(mStore, was, is, text));
+    }
+    if (changed.size() > 1)
+        mUndo->endMacro();
+}

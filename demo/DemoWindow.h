@@ -1,0 +1,85 @@
+#ifndef DEMOWINDOW_H
+#define DEMOWINDOW_H
+
+#include "DemoBookingRow.h"
+
+#include <BkCalendarRecords.h>
+
+#include <FwMainWindow.h>
+
+#include <QDate>
+#include <QPoint>
+#include <QTime>
+
+class BkCalendar;
+class BkCalendarItem;
+class BkCalendarPlan;
+class DemoStore;
+class QAction;
+class QUndoStack;
+
+// The demo's main window: the calendar form on the practice's database, with bookings created, edited,
+// deleted and undone, the group and the settings chosen, and the window's layout kept between runs.
+class DemoWindow : public FwMainWindow
+{
+    Q_OBJECT
+
+public:
+    enum View
+    {
+        Day,
+        FiveDays,
+        SevenDays,
+        Month,
+        Group
+    };
+
+    explicit DemoWindow(const QVariant& userId, QWidget* parent = nullptr);
+    ~DemoWindow() override;
+
+    BkCalendar* calendar() const { return mCalendar; }
+    DemoStore* store() const { return mStore; }
+    QUndoStack* undoStack() const { return mUndo; }
+
+    void showView(View view);
+    View currentView() const;
+    static bool viewFromName(const QString& name, View* view);
+
+    // The group view's members, read from the setting the calendar writes, with a trailing
+    // placeholder to add someone from the headers.
+    QList<BkCalendarResource> savedGroup() const;
+
+    // What the user does, also reachable from tests.
+    // A new booking of `who`, with the other values of `row`.
+    BkCalendarItem* createBooking(const BkCalendarResource& who, DemoBookingRow row);
+    bool editBooking(BkCalendarItem* item, const DemoBookingRow& changed);
+    bool deleteBooking(BkCalendarItem* item);
+    void setStatus(BkCalendarItem* item, const QVariant& statusId);
+
+public slots:
+    void chooseGroup();
+    void openSettings();
+    void step(int direction);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private slots:
+    void itemActivated(BkCalendarItem* item);
+    void planActivated(BkCalendarPlan* plan, QTime time);
+    void itemContextMenu(QPoint pos, BkCalendarItem* item);
+    void planContextMenu(QPoint pos, BkCalendarPlan* plan, QTime time);
+    void written(const QList<DemoBookingRow>& before, const QList<DemoBookingRow>& after);
+
+private:
+    void setupActions();
+    void restoreLayout();
+    void saveLayout();
+    void newBookingAt(const BkCalendarPlan* plan, QTime time);
+
+    BkCalendar* mCalendar = nullptr;
+    DemoStore* mStore = nullptr;
+    QUndoStack* mUndo = nullptr;
+};
+
+#endif // DEMOWINDOW_H

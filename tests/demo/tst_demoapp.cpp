@@ -1,0 +1,434 @@
+// The demo application end to end, on a real SQLite file: the schema and the seeded practice, the group
+// view reading a day through loadData, a booking moved by the mouse and saved by the commit a second
+// later, bookings created, edited, deleted and undone, a save that fails and loses nothing, and the
+// screenshot mode of the program itself.
+
+#include "FwModal.h"
+#include "FwTestApplication.h"
+
+#include <BkCalendar.h>
+#include <BkCalendarClock.h>
+#include <BkCalendarColumn.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarItemWidget.h>
+#include <BkCalendarModel.h>
+#include <BkCalendarTimeScale.h>
+#include <BkCalendarView.h>
+
+#include <DemoDatabase.h>
+#include <DemoStore.h>
+#include <DemoWindow.h>
+
+#include <FwApplication.h>
+
+#include <QImage>
+#include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QUndoStack>
+
+namespace {
+const QDate Wednesday(2026, 11, 25);
+const BkCalendarResource Anna(1, QStringLiteral("Anna Berg"), 0);
+
+// Reads the file through a connection of its own, as another program would.
+QVariant readBack(const QString& file, const QString& sql, int id)
+{
+    QVariant result;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("reader"));
+        db.setDatabaseName(file);
+        if (db.open()) {
+            QSqlQuery query(db);
+            query.prepare(sql);
+            query.addBindValue(id);
+            if (query.exec() && query.next())
+                result = query.value(0);
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("reader"));
+    return result;
+}
+
+int countRows(const QString& file, const QString& sql)
+{
+    int result = -1;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("counter"));
+        db.setDatabaseName(file);
+        if (db.open()) {
+            QSqlQuery query(sql, db);
+            if (query.next())
+                result = query.value(0).toInt();
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("counter"));
+    return result;
+}
+
+BkCalendarColumn* columnOf(BkCalendar* calendar, const BkCalendarResource& who)
+{
+    for (BkCalendarColumn* column : calendar->view()->getColumnList())
+        if (column->resource() == who)
+            return column;
+    return nullptr;
+}
+
+// A plain booking of the column that can move a quarter of an hour later inside its plan.
+BkCalendarItem* movableBooking(BkCalendarColumn* column)
+{
+    for (BkCalendarItem* item : column->getItems(true)) {
+        if (item->type() != 0 || item->locked || !item->resourceId().isNull() || !item->widget)
+            continue;
+        const QTime later = item->end().addSecs(15 * 60);
+        if ((item->start() >= QTime(8, 0) && later <= QTime(12, 0)) ||
+            (item->start() >= QTime(13, 0) && later <= QTime(17, 0)))
+            return item;
+    }
+    return nullptr;
+}
+
+void mouse(BkCalendarView* view, QEvent::Type type, const QPointF& scenePos, Qt::MouseButtons buttons)
+{
+    const QPoint local = view->mapFromScene(scenePos);
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, local, view->viewport()->mapToGlobal(local), button, buttons, Qt::NoModifier);
+    QApplication::sendEvent(view->viewport(), &event);
+}
+} // namespace
+
+class tst_DemoApp : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void shouldCreateTheSchemaAndSeedAnEmptyFile();
+    void shouldLoadTheGroupDayAndSaveAMouseMove();
+    void shouldFindEverythingAfterReopening();
+    void shouldWriteCreationEditDeletionAndTheirUndo();
+    void shouldLoseNothingWhenASaveFails();
+    void shouldRefuseANewerSchema();
+    void shouldReadOnlyWellFormedGroupEntries();
+    void shouldWriteAScreenshotOfTheExpectedSize();
+
+private:
+    QTemporaryDir mDir;
+    QString mFile;
+    DemoDatabase mDb;
+};
+
+void tst_DemoApp::initTestCase()
+{
+    QVERIFY(mDir.isValid());
+    mFile = mDir.filePath(QStringLiteral("practice.sqlite"));
+    qRegisterMetaType<QList<BkCalendarItem*>>();
+}
+
+void tst_DemoApp::init()
+{
+    // The practice is seeded round this Wednesday, and the calendar shows it as today.
+    BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
+    DemoConnection connection;
+    connection.file = mFile;
+    QVERIFY2(mDb.open(connection, Wednesday), qPrintable(mDb.lastError()));
+}
+
+void tst_DemoApp::cleanup()
+{
+    mDb.close();
+    BkCalendarClock::setFixedNow(QDateTime());
+}
+
+void tst_DemoApp::shouldCreateTheSchemaAndSeedAnEmptyFile()
+{
+    QVERIFY(QFile::exists(mFile));
+    QCOMPARE(mDb.version(), DemoDatabase::latestVersion());
+    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM view_user")), 6);
+    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM tbl_resource")), 4);
+    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM tbl_casestage")), 5);
+    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM tbl_calendarstatus")), 3);
+    QVERIFY(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_plan WHERE pl_date = '2026-11-25'")) >
+            10);
+    // Every kind of booking is there: plain, meeting, reserved, note, locked, with flags and strips.
+    for (const QString& condition :
+         {QStringLiteral("bk_type = 0"), QStringLiteral("bk_type = 1"), QStringLiteral("bk_type = 6"),
+          QStringLiteral("bk_type = 7"), QStringLiteral("bk_locked = 1"), QStringLiteral("bk_flags = 3"),
+          QStringLiteral("bk_left IS NOT NULL"), QStringLiteral("bk_resource IS NOT NULL")})
+        QVERIFY2(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE ") + condition) > 0,
+                 qPrintable(condition));
+    // A day's lookup by user or by resource has its index.
+    QCOMPARE(
+        countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'index' AND name IN "
+                                        "('demo_booking_user_day', 'demo_booking_resource_day', "
+                                        "'demo_plan_day')")),
+        3);
+    // The settings table answers the framework.
+    QCOMPARE(FwApplication::app()->getValue(QStringLiteral("set_calshowtime")).toInt(), 1);
+}
+
+void tst_DemoApp::shouldLoadTheGroupDayAndSaveAMouseMove()
+{
+    DemoWindow window(1);
+    QSignalSpy loads(window.calendar(), &BkCalendar::loadData);
+    window.showView(DemoWindow::Group);
+    window.calendar()->setDate(Wednesday);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(loads.count() > 0);
+
+    BkCalendarColumn* column = columnOf(window.calendar(), Anna);
+    QVERIFY(column);
+    QCOMPARE(column->date(), Wednesday);
+    const int stored =
+        countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE bk_user = 1 AND "
+                                        "bk_date = '2026-11-25' AND bk_type <> 6"));
+    QVERIFY(stored > 0);
+    QCOMPARE(column->getItems(true).count(), stored);
+    QVERIFY(!column->plans().isEmpty());
+
+    BkCalendarItem* item = movableBooking(column);
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    const QTime start = item->start();
+    const QTime later = start.addSecs(15 * 60);
+    BkCalendarView* view = window.calendar()->view();
+    view->ensureVisible(item->widget->sceneBoundingRect());
+    QSignalSpy saved(window.calendar(), &BkCalendar::saveItems);
+    const QPointF grab = item->widget->sceneBoundingRect().center();
+    const QPointF target = column->mapToScene(view->timeScale()->pointAt(20.0, later));
+    mouse(view, QEvent::MouseButtonPress, grab, Qt::LeftButton);
+    mouse(view, QEvent::MouseMove, target, Qt::LeftButton);
+    mouse(view, QEvent::MouseButtonRelease, target, Qt::NoButton);
+    // The pointer lands on the snap grid; the seconds of the pixel stay, as with every mouse move.
+    QCOMPARE(QTime(item->start().hour(), item->start().minute()), later);
+    const QTime moved = item->start();
+
+    // Written by the commit a second after the release, and read back by a connection of its own.
+    QTRY_COMPARE_WITH_TIMEOUT(saved.count(), 1, 20000);
+    QCOMPARE(
+        QTime::fromString(
+            readBack(mFile, QStringLiteral("SELECT bk_start FROM demo_booking WHERE id = ?"), id).toString(),
+            Qt::ISODate),
+        moved);
+    QCOMPARE(window.undoStack()->count(), 1);
+    QCOMPARE(window.undoStack()->undoText(), QStringLiteral("Move \"%1\"").arg(item->title()));
+    // The user closes the window; it keeps its view for the next start.
+    QVERIFY(window.close());
+    QCOMPARE(FwApplication::app()->localValue(QStringLiteral("demo/view")).toInt(), int(DemoWindow::Group));
+}
+
+void tst_DemoApp::shouldFindEverythingAfterReopening()
+{
+    // init() opened the file again: it is the same practice, not seeded twice, the move still there.
+    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM view_user")), 6);
+    QCOMPARE(mDb.version(), DemoDatabase::latestVersion());
+    DemoWindow window(1);
+    window.showView(DemoWindow::Group);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarColumn* column = columnOf(window.calendar(), Anna);
+    QVERIFY(column);
+    const int stored =
+        countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE bk_user = 1 AND "
+                                        "bk_date = '2026-11-25' AND bk_type <> 6"));
+    QCOMPARE(column->getItems(true).count(), stored);
+    // The window came back in the view it was left in.
+    QCOMPARE(window.currentView(), DemoWindow::Group);
+}
+
+void tst_DemoApp::shouldWriteCreationEditDeletionAndTheirUndo()
+{
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    QUndoStack* undo = window.undoStack();
+    BkCalendarModel* model = window.calendar()->model();
+    const QString titleSql = QStringLiteral("SELECT bk_title FROM demo_booking WHERE id = ?");
+
+    DemoBookingRow row;
+    row.date = Wednesday;
+    row.start = QTime(16, 0);
+    row.end = QTime(16, 30);
+    row.title = QStringLiteral("Created");
+    BkCalendarItem* item = window.createBooking(Anna, row);
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    QVERIFY(id > 0);
+    QCOMPARE(model->findId(id), item);
+    QVERIFY(item->widget);
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Created"));
+
+    DemoBookingRow changed = DemoBookingRow::fromItem(item);
+    changed.title = QStringLiteral("Edited");
+    changed.flags = BkCalendarItem::FlagPhone;
+    QSignalSpy saved(window.calendar(), &BkCalendar::saveItems);
+    QVERIFY(window.editBooking(item, changed));
+    QTRY_COMPARE_WITH_TIMEOUT(saved.count(), 1, 20000);
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Edited"));
+    QCOMPARE(readBack(mFile, QStringLiteral("SELECT bk_flags FROM demo_booking WHERE id = ?"), id).toInt(),
+             1);
+
+    QVERIFY(window.deleteBooking(item));
+    QVERIFY(!model->findId(id));
+    QVERIFY(readBack(mFile, titleSql, id).isNull());
+    QCOMPARE(undo->count(), 3);
+
+    // Back, step by step: the deletion, the edit, the creation; and forward again.
+    undo->undo();
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Edited"));
+    BkCalendarItem* back = model->findId(id);
+    QVERIFY(back);
+    QCOMPARE(back->title(), QStringLiteral("Edited"));
+    QVERIFY(back->widget);
+    undo->undo();
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Created"));
+    QCOMPARE(model->findId(id)->title(), QStringLiteral("Created"));
+    QVERIFY(!model->isInvalid(model->findId(id)));
+    undo->undo();
+    QVERIFY(readBack(mFile, titleSql, id).isNull());
+    QVERIFY(!model->findId(id));
+    undo->redo();
+    undo->redo();
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Edited"));
+    QCOMPARE(model->findId(id)->title(), QStringLiteral("Edited"));
+    // Undo and redo write the file themselves; nothing waits for a save afterwards.
+    QTest::qWait(1200);
+    QCOMPARE(saved.count(), 1);
+}
+
+void tst_DemoApp::shouldLoseNothingWhenASaveFails()
+{
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarColumn* column = window.calendar()->view()->getColumnList().first();
+    BkCalendarItem* item = movableBooking(column);
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    const QString titleSql = QStringLiteral("SELECT bk_title FROM demo_booking WHERE id = ?");
+    const QString before = readBack(mFile, titleSql, id).toString();
+
+    // The file turns read-only under the running program.
+    QSqlDatabase db = QSqlDatabase::database();
+    db.close();
+    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+    QVERIFY(db.open());
+
+    DemoBookingRow changed = DemoBookingRow::fromItem(item);
+    changed.title = QStringLiteral("Written later");
+    QSignalSpy failed(window.store(), &DemoStore::saveFailed);
+    window.editBooking(item, changed);
+    QTRY_COMPARE_WITH_TIMEOUT(failed.count(), 1, 20000);
+    QVERIFY(FwApplication::app()->currentMessageCritical());
+    QVERIFY(FwApplication::app()->currentMessage().contains(QStringLiteral("could not be saved")));
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), before);
+    // Kept in the calendar and waiting for the next save.
+    QCOMPARE(item->title(), QStringLiteral("Written later"));
+    QVERIFY(window.calendar()->model()->isInvalid(item));
+    QCOMPARE(window.undoStack()->count(), 0);
+
+    db.close();
+    db.setConnectOptions(QString());
+    QVERIFY(db.open());
+    // The next change's save writes both.
+    BkCalendarItem* other = nullptr;
+    for (BkCalendarItem* candidate : column->getItems(true))
+        if (candidate != item && candidate->type() == 0)
+            other = candidate;
+    QVERIFY(other);
+    QSignalSpy saved(window.store(), &DemoStore::written);
+    window.setStatus(other, 4);
+    QTRY_COMPARE_WITH_TIMEOUT(saved.count(), 1, 20000);
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Written later"));
+    QCOMPARE(
+        readBack(mFile, QStringLiteral("SELECT bk_status FROM demo_booking WHERE id = ?"), other->id.toInt())
+            .toInt(),
+        4);
+    QVERIFY(!window.calendar()->model()->isInvalid(item));
+}
+
+void tst_DemoApp::shouldRefuseANewerSchema()
+{
+    mDb.close();
+    const QString newer = mDir.filePath(QStringLiteral("newer.sqlite"));
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("maker"));
+        db.setDatabaseName(newer);
+        QVERIFY(db.open());
+        QSqlQuery query(db);
+        QVERIFY(query.exec(QStringLiteral("CREATE TABLE demo_schema (version INTEGER NOT NULL)")));
+        QVERIFY(query.exec(QStringLiteral("INSERT INTO demo_schema (version) VALUES (99)")));
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("maker"));
+    DemoDatabase db;
+    DemoConnection connection;
+    connection.file = newer;
+    QVERIFY(!db.open(connection, Wednesday));
+    QVERIFY2(db.lastError().contains(QStringLiteral("newer")), qPrintable(db.lastError()));
+    QCOMPARE(countRows(newer, QStringLiteral("SELECT version FROM demo_schema")), 99);
+}
+
+void tst_DemoApp::shouldReadOnlyWellFormedGroupEntries()
+{
+    FwApplication::app()->setValue(QStringLiteral("3:0, x:1,2:7,,4:1:9,-2:0,3:1,3:0,99:0,0:0"),
+                                   QStringLiteral("usr_bookinggrouplist"), QStringLiteral("tbl_user"));
+    DemoWindow window(1);
+    const QList<BkCalendarResource> group = window.savedGroup();
+    QStringList names;
+    for (const BkCalendarResource& member : group)
+        names << member.name;
+    QCOMPARE(names, (QStringList{QStringLiteral("Eva Fors"), QStringLiteral("Ultrasound"),
+                                 QStringLiteral("Double click to add")}));
+    QVERIFY(group.last().id.isNull());
+}
+
+void tst_DemoApp::shouldWriteAScreenshotOfTheExpectedSize()
+{
+    mDb.close();
+    QTemporaryDir home;
+    QVERIFY(home.isValid());
+    const QString picture = home.filePath(QStringLiteral("demo.png"));
+    QProcess demo;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    // The program's own settings go to a scratch place, not to the user's.
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), home.path());
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    demo.setProcessEnvironment(environment);
+    demo.start(QStringLiteral(FWCALENDAR_DEMO_BINARY),
+               {QStringLiteral("--database"), home.filePath(QStringLiteral("shot.sqlite")),
+                QStringLiteral("--screenshot"), picture, QStringLiteral("--view"), QStringLiteral("group"),
+                QStringLiteral("--date"), QStringLiteral("2026-11-25")});
+    QVERIFY(demo.waitForFinished(60000));
+    QCOMPARE(demo.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(demo.exitCode(), 0);
+    QVERIFY(QString::fromLocal8Bit(demo.readAllStandardOutput()).contains(picture));
+    const QImage image(picture);
+    QCOMPARE(image.size(), QSize(1400, 900));
+    // Not blank: the calendar's many colours are there.
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); y += 7)
+        for (int x = 0; x < image.width(); x += 7)
+            colours.insert(image.pixel(x, y));
+    QVERIFY2(colours.size() > 100, qPrintable(QString::number(colours.size())));
+
+    // A wrong option is refused with a clear message.
+    demo.start(QStringLiteral(FWCALENDAR_DEMO_BINARY),
+               {QStringLiteral("--database"), home.filePath(QStringLiteral("shot.sqlite")),
+                QStringLiteral("--screenshot"), picture, QStringLiteral("--view"), QStringLiteral("year")});
+    QVERIFY(demo.waitForFinished(60000));
+    QCOMPARE(demo.exitCode(), 1);
+    QVERIFY(
+        QString::fromLocal8Bit(demo.readAllStandardError()).contains(QStringLiteral("Unknown view year")));
+}
+
+FW_TEST_MAIN(tst_DemoApp)
+#include "tst_demoapp.moc"
