@@ -130,6 +130,9 @@ void tst_DemoApp::initTestCase()
     QVERIFY(mDir.isValid());
     mFile = mDir.filePath(QStringLiteral("practice.sqlite"));
     qRegisterMetaType<QList<BkCalendarItem*>>();
+    // The window's layout of an earlier run of these tests is not this run's business.
+    for (const char* key : {"demo/geometry", "demo/state", "demo/view"})
+        FwApplication::app()->setLocalValue(QLatin1String(key), QVariant());
 }
 
 void tst_DemoApp::init()
