@@ -44,8 +44,9 @@ bool fill()
             return false;
     }
     SQLQuery plan;
-    plan.prepare(QStringLiteral("INSERT INTO demo_plan (pl_date, pl_type, pl_key, pl_start, pl_end, pl_bookable, "
-                                "pl_info) VALUES (?, 1, ?, '07:00:00', '19:00:00', 1, 2)"));
+    plan.prepare(
+        QStringLiteral("INSERT INTO demo_plan (pl_date, pl_type, pl_key, pl_start, pl_end, pl_bookable, "
+                       "pl_info) VALUES (?, 1, ?, '07:00:00', '19:00:00', 1, 2)"));
     const QDate first = Today.addDays(-200);
     for (int d = 0; d < 400; ++d)
         for (int r = 1; r <= Resources; ++r) {
@@ -55,9 +56,10 @@ bool fill()
                 return false;
         }
     SQLQuery booking;
-    booking.prepare(QStringLiteral("INSERT INTO demo_booking (bk_date, bk_resource, bk_start, bk_end, bk_title, "
-                                   "bk_text, bk_type, bk_flags, bk_status, bk_top, bk_bottom) VALUES (?, ?, ?, ?, ?, "
-                                   "?, 0, 0, 1, '#d6e4fa', '#96b6e8')"));
+    booking.prepare(
+        QStringLiteral("INSERT INTO demo_booking (bk_date, bk_resource, bk_start, bk_end, bk_title, "
+                       "bk_text, bk_type, bk_flags, bk_status, bk_top, bk_bottom) VALUES (?, ?, ?, ?, ?, "
+                       "?, 0, 0, 1, '#d6e4fa', '#96b6e8')"));
     for (int i = 0; i < Bookings; ++i) {
         const int r = i % Resources;
         const int d = (i / Resources) % 400;

@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(cmake g++ ninja-build pkg-config fonts-dejavu-core
           qtbase5-dev libqt5svg5-dev qttools5-dev qttools5-dev-tools
-          libqt5sql5-sqlite libqt5sql5-psql faketime)
+          libqt5sql5-sqlite libqt5sql5-psql faketime xvfb xdotool)
 
 missing=()
 for p in "${packages[@]}"; do
