@@ -209,7 +209,9 @@ bool DemoDatabase::seed(const QDate& today)
     SQLQuery count;
     if (!count.exec(QStringLiteral("SELECT COUNT(*) FROM tbl_user")) || !count.next())
         return fail(QStringLiteral("Cannot read the users"), count.lastError().text());
-    if (count.value(0).toInt() > 0)
+    const bool empty = count.value(0).toInt() == 0;
+    count.query().finish();
+    if (!empty)
         return false;
 
     QSqlDatabase db = QSqlDatabase::database();

@@ -184,8 +184,13 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
         bookings.debugLastError(QStringLiteral("demo/DemoStore"), __LINE__);
         return;
     }
-    while (bookings.next()) {
-        const DemoBookingRow row = rowOf(bookings);
+    // Read to the end before the model hears of any: a new booking makes the columns read, which may
+    // ask for another key's data, and a second query on the connection would cut this one short.
+    QList<DemoBookingRow> rows;
+    while (bookings.next())
+        rows << rowOf(bookings);
+    bookings.query().finish();
+    for (const DemoBookingRow& row : qAsConst(rows)) {
         // A booking of a user and a resource comes with both keys; the model holds it once.
         if (!isShowable(row) || mModel->findId(row.id))
             continue;
@@ -206,6 +211,7 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
         plans.debugLastError(QStringLiteral("demo/DemoStore"), __LINE__);
         return;
     }
+    QList<BkCalendarPlan*> blocks;
     while (plans.next()) {
         auto* plan = new BkCalendarPlan;
         plan->date = plans.value(0).toDate();
@@ -218,8 +224,11 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
             delete plan;
             continue;
         }
-        mModel->addItem(plan);
+        blocks << plan;
     }
+    plans.query().finish();
+    for (BkCalendarPlan* plan : qAsConst(blocks))
+        mModel->addItem(plan);
 }
 
 std::optional<DemoBookingRow> DemoStore::readRow(int id) const
