@@ -1,0 +1,126 @@
+// The demo on a PostgreSQL server: the same migrations and practice as on SQLite, loadData, a save in
+// one transaction with new rows getting their id from the server, and undo of a deletion keeping the id.
+//
+// The server is named by FWCALENDAR_TEST_PSQL="host:port:user:password:database" (scripts/test-postgres.sh
+// starts one and sets it); without it the test says so and skips.
+
+#include "FwTestApplication.h"
+
+#include <DemoDatabase.h>
+#include <DemoStore.h>
+#include <DemoWindow.h>
+
+#include <BkCalendar.h>
+#include <BkCalendarClock.h>
+#include <BkCalendarColumn.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarModel.h>
+#include <BkCalendarView.h>
+
+#include <SQLQuery.h>
+
+#include <QUndoStack>
+
+namespace {
+const QDate Wednesday(2026, 11, 25);
+
+int count(const QString& sql)
+{
+    SQLQuery query;
+    return query.exec(sql) && query.next() ? query.value(0).toInt() : -1;
+}
+} // namespace
+
+class tst_DemoPostgres : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void shouldMigrateAndSeedTheServer();
+    void shouldLoadSaveCreateDeleteAndUndo();
+
+private:
+    DemoDatabase mDb;
+};
+
+void tst_DemoPostgres::initTestCase()
+{
+    const QStringList parts = qEnvironmentVariable("FWCALENDAR_TEST_PSQL").split(QLatin1Char(':'));
+    if (parts.size() != 5)
+        QSKIP("No PostgreSQL server named in FWCALENDAR_TEST_PSQL (scripts/test-postgres.sh starts one)");
+    BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
+    for (const char* key : {"demo/geometry", "demo/state", "demo/view"})
+        FwApplication::app()->setLocalValue(QLatin1String(key), QVariant());
+    DemoConnection connection;
+    connection.driver = QStringLiteral("QPSQL");
+    connection.host = parts.at(0);
+    connection.port = parts.at(1).toInt();
+    connection.user = parts.at(2);
+    connection.password = parts.at(3);
+    connection.name = parts.at(4);
+    QVERIFY2(mDb.open(connection, Wednesday), qPrintable(mDb.lastError()));
+    QVERIFY(mDb.isPostgres());
+}
+
+void tst_DemoPostgres::cleanupTestCase()
+{
+    mDb.close();
+    BkCalendarClock::setFixedNow(QDateTime());
+}
+
+void tst_DemoPostgres::shouldMigrateAndSeedTheServer()
+{
+    QCOMPARE(mDb.version(), DemoDatabase::latestVersion());
+    QCOMPARE(count(QStringLiteral("SELECT COUNT(*) FROM view_user")), 6);
+    QVERIFY(count(QStringLiteral("SELECT COUNT(*) FROM demo_booking")) > 500);
+    QCOMPARE(
+        count(QStringLiteral("SELECT COUNT(*) FROM pg_indexes WHERE indexname IN ('demo_booking_user_day', "
+                             "'demo_booking_resource_day', 'demo_plan_day')")),
+        3);
+    // A second start finds the same practice and seeds nothing.
+    QVERIFY(!mDb.seed(Wednesday));
+    QCOMPARE(count(QStringLiteral("SELECT COUNT(*) FROM view_user")), 6);
+}
+
+void tst_DemoPostgres::shouldLoadSaveCreateDeleteAndUndo()
+{
+    DemoWindow window(1);
+    window.showView(DemoWindow::Group);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarColumn* anna = window.calendar()->view()->getColumnList().first();
+    QCOMPARE(anna->resource().id.toInt(), 1);
+    const int stored = count(QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE bk_user = 1 AND "
+                                            "bk_date = '2026-11-25' AND bk_type <> 6"));
+    QVERIFY(stored > 0);
+    QCOMPARE(anna->getItems(true).count(), stored);
+
+    // A save through the model's commit.
+    BkCalendarItem* item = anna->getItems(true).first();
+    QSignalSpy written(window.store(), &DemoStore::written);
+    DemoBookingRow changed = DemoBookingRow::fromItem(item);
+    changed.title = QStringLiteral("Changed on the server");
+    window.editBooking(item, changed);
+    QTRY_COMPARE_WITH_TIMEOUT(written.count(), 1, 20000);
+    QCOMPARE(window.store()->readRow(item->id.toInt())->title, QStringLiteral("Changed on the server"));
+
+    // A new row gets the server's id; its deletion and the undo of that keep it.
+    DemoBookingRow row;
+    row.date = Wednesday;
+    row.start = QTime(16, 0);
+    row.end = QTime(16, 15);
+    row.title = QStringLiteral("New on the server");
+    BkCalendarItem* created = window.createBooking(BkCalendarResource(1, QString(), 0), row);
+    QVERIFY(created);
+    const int id = created->id.toInt();
+    QVERIFY(id > 0);
+    QVERIFY(window.deleteBooking(created));
+    QVERIFY(!window.store()->readRow(id).has_value());
+    window.undoStack()->undo();
+    QCOMPARE(window.store()->readRow(id)->title, QStringLiteral("New on the server"));
+    QVERIFY(window.calendar()->model()->findId(id));
+}
+
+FW_TEST_MAIN(tst_DemoPostgres)
+#include "tst_demopostgres.moc"
