@@ -50,6 +50,8 @@ bool BkCalendarModel::addItem(BkCalendarItem* item)
         mUserItems[item->date()][item->userId()].append(item);
     if (!item->id.isNull())
         mIdHash[item->id.toInt()] = item;
+    item->mStorePosition = mAllItems.size();
+    ++item->mStoreCount;
     mAllItems.append(item);
     item->model = this;
     emit itemAdded(item);
@@ -82,12 +84,59 @@ void BkCalendarModel::removeItem(BkCalendarItem* item)
         if (list != resources->end())
             list->removeAll(item);
     }
-    mInvalidItems.removeAll(item);
-    mAllItems.removeAll(item);
+    dropFromInvalidItems(item);
+    dropFromAllItems(item);
     item->model = nullptr;
     if (!item->id.isNull())
         mIdHash.remove(item->id.toInt());
     emit itemRemoved(item);
+}
+
+void BkCalendarModel::dropFromAllItems(BkCalendarItem* item)
+{
+    if (item->mStoreCount == 1 && item->mStorePosition >= 0 && item->mStorePosition < mAllItems.size() &&
+        mAllItems.at(item->mStorePosition) == item) {
+        mAllItems[item->mStorePosition] = nullptr;
+        ++mAllItemsHoles;
+    } else if (item->mStoreCount > 0) {
+        // Added more than once (possible without an id): every place goes, as it always has.
+        for (int i = 0; i < mAllItems.size(); ++i)
+            if (mAllItems.at(i) == item) {
+                mAllItems[i] = nullptr;
+                ++mAllItemsHoles;
+            }
+    }
+    item->mStoreCount = 0;
+    item->mStorePosition = -1;
+    if (mAllItemsHoles > 64 && mAllItemsHoles * 2 > mAllItems.size()) {
+        int kept = 0;
+        for (int i = 0; i < mAllItems.size(); ++i) {
+            BkCalendarItem* entry = mAllItems.at(i);
+            if (!entry)
+                continue;
+            entry->mStorePosition = kept;
+            mAllItems[kept++] = entry;
+        }
+        mAllItems.resize(kept);
+        mAllItemsHoles = 0;
+    }
+}
+
+void BkCalendarModel::dropFromInvalidItems(BkCalendarItem* item)
+{
+    // The walk along the unsaved list only for a booking that is on it.
+    if (mInvalidSet.remove(item))
+        mInvalidItems.removeAll(item);
+}
+
+QList<BkCalendarItem*> BkCalendarModel::allItems() const
+{
+    QList<BkCalendarItem*> items;
+    items.reserve(mAllItems.size() - mAllItemsHoles);
+    for (BkCalendarItem* item : mAllItems)
+        if (item)
+            items.append(item);
+    return items;
 }
 
 void BkCalendarModel::removeItem(BkCalendarPlan* plan)
@@ -148,8 +197,7 @@ BkCalendarItem* BkCalendarModel::findId(const QVariant& id) const
 
 bool BkCalendarModel::isInvalid(BkCalendarItem* item) const
 {
-    // The unsaved list is short and a recent change is likeliest at its end.
-    return mInvalidItems.lastIndexOf(item) >= 0;
+    return mInvalidSet.contains(item);
 }
 
 bool BkCalendarModel::loaded(const BkCalendarResource& resource, const QDate& date)
@@ -201,7 +249,7 @@ void BkCalendarModel::clear()
     QSet<BkCalendarItem*> deletedItems;
     while (!mAllItems.isEmpty()) {
         BkCalendarItem* item = mAllItems.takeLast();
-        if (!deletedItems.contains(item)) {
+        if (item && !deletedItems.contains(item)) {
             deletedItems.insert(item);
             delete item;
         }
@@ -222,6 +270,7 @@ void BkCalendarModel::clear()
     mUserItems.clear();
     mResourceItems.clear();
     mAllItems.clear();
+    mAllItemsHoles = 0;
     mLoadedRanges.clear();
 }
 
@@ -238,6 +287,7 @@ void BkCalendarModel::commitToDatabase()
     // Emptied before the signal, so a change made by a slot of saveItems counts as a new one.
     const QList<BkCalendarItem*> batch = mInvalidItems;
     mInvalidItems.clear();
+    mInvalidSet.clear();
     emit saveItems(batch);
 }
 
@@ -257,12 +307,15 @@ void BkCalendarModel::rollback()
         ++index;
     } while (index < mInvalidItems.size());
     mInvalidItems.clear();
+    mInvalidSet.clear();
 }
 
 void BkCalendarModel::itemInvalid(BkCalendarItem* item, bool addToList)
 {
-    if (addToList && !isInvalid(item))
+    if (addToList && !isInvalid(item)) {
         mInvalidItems.append(item);
+        mInvalidSet.insert(item);
+    }
     // A host that wrote the id after adding the booking has it found by id from now on.
     if (!item->id.isNull())
         mIdHash[item->id.toInt()] = item;
@@ -271,6 +324,6 @@ void BkCalendarModel::itemInvalid(BkCalendarItem* item, bool addToList)
 
 void BkCalendarModel::itemValid(BkCalendarItem* item)
 {
-    mInvalidItems.removeAll(item);
+    dropFromInvalidItems(item);
     emit itemChanged(item);
 }

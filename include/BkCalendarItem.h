@@ -121,6 +121,12 @@ private:
     QVariant mSavedUserId;
     QDate mSavedDate;
     bool mBlocked = false;
+
+    // The model's bookkeeping: where the booking stands in the model's list of all bookings, and how
+    // often it stands there, so that taking it out costs the same whatever the size of the store.
+    friend class BkCalendarModel;
+    int mStorePosition = -1;
+    int mStoreCount = 0;
 };
 
 Q_DECLARE_METATYPE(BkCalendarItem*)

@@ -11,7 +11,9 @@
 #include <QMap>
 #include <QObject>
 #include <QPair>
+#include <QSet>
 #include <QVariant>
+#include <QVector>
 
 class QTimer;
 
@@ -61,7 +63,8 @@ public:
     const QMap<BkCalendarResource, QPair<QDate, QDate>>& loadedRanges() const { return mLoadedRanges; }
     const QMap<QVariant, BkCalendarPlanInfo>& planInfos() const { return mPlanInfos; }
     const QHash<int, BkCalendarItem*>& idHash() const { return mIdHash; }
-    const QList<BkCalendarItem*>& allItems() const { return mAllItems; }
+    // Every booking in the order of adding (a booking that moved was added again).
+    QList<BkCalendarItem*> allItems() const;
     const QList<BkCalendarItem*>& invalidItems() const { return mInvalidItems; }
     const QTimer* commitTimer() const { return mCommitTimer; }
     bool toolTipsEnabled() const { return mToolTipsEnabled; }
@@ -81,14 +84,22 @@ signals:
     void saveItems(const QList<BkCalendarItem*>& items);
 
 private:
+    void dropFromAllItems(BkCalendarItem* item);
+    void dropFromInvalidItems(BkCalendarItem* item);
+
     QMap<QDate, QMap<BkCalendarResource, QList<BkCalendarPlan*>>> mPlanStore;
     QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>> mUserItems;
     QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>> mResourceItems;
     QMap<BkCalendarResource, QPair<QDate, QDate>> mLoadedRanges;
     QMap<QVariant, BkCalendarPlanInfo> mPlanInfos;
     QHash<int, BkCalendarItem*> mIdHash;
-    QList<BkCalendarItem*> mAllItems;
+    // In the order of adding. A removed booking leaves a null hole, so that removing costs the same at
+    // any size; the holes are closed up once they are as many as the bookings.
+    QVector<BkCalendarItem*> mAllItems;
+    int mAllItemsHoles = 0;
     QList<BkCalendarItem*> mInvalidItems;
+    // The same bookings as mInvalidItems, for asking whether one is there without a walk.
+    QSet<BkCalendarItem*> mInvalidSet;
     QTimer* mCommitTimer = nullptr;
     bool mToolTipsEnabled = true;
 };

@@ -62,6 +62,8 @@ private slots:
     void shouldKeepFilingOrder();
     void shouldRejectDuplicateIdAfterSettingToolTip();
     void shouldFileItemWithoutIdTwiceWhenAddedTwice();
+    void shouldKeepTheOrderOfAddingThroughManyRemovalsAndMoves();
+    void shouldKnowTheUnsavedBookingsThroughRemovalsAndSaves();
     void shouldDeleteItemAndPlanAddedTwiceOnlyOnceOnClear();
     void shouldKeepItemWithoutKeysInAllItemsOnly();
     void shouldFindById();
@@ -308,6 +310,77 @@ void TestBkCalendarModel::shouldFileItemWithoutIdTwiceWhenAddedTwice()
     model.removeItem(item);
     QVERIFY(model.allItems().isEmpty());
     delete item;
+}
+
+void TestBkCalendarModel::shouldKeepTheOrderOfAddingThroughManyRemovalsAndMoves()
+{
+    BkCalendarModel model;
+    QList<BkCalendarItem*> expected;
+    QList<BkCalendarItem*> removed;
+    for (int i = 0; i < 300; ++i) {
+        auto* item = makeItem(i + 1, i % 7 + 1, QVariant());
+        QVERIFY(model.addItem(item));
+        expected << item;
+    }
+    // Enough removals, scattered, for the list to close its gaps more than once.
+    for (int i = 0; i < 300; i += 3) {
+        model.removeItem(expected.at(i));
+        removed << expected.at(i);
+    }
+    for (BkCalendarItem* item : qAsConst(removed))
+        expected.removeAll(item);
+    QCOMPARE(model.allItems(), expected);
+    // A booking that moves is filed again: it goes to the end.
+    BkCalendarItem* mover = expected.at(10);
+    mover->setDate(Day.addDays(1));
+    expected.removeAll(mover);
+    expected << mover;
+    QCOMPARE(model.allItems(), expected);
+    // An item added twice, amid the rest, leaves from both places.
+    auto* twice = makeItem(QVariant(), 3, QVariant());
+    model.addItem(twice);
+    model.addItem(expected.first());
+    model.addItem(twice);
+    model.removeItem(twice);
+    QCOMPARE(model.allItems(), expected);
+    // Removed and added again: found at its new place only.
+    model.removeItem(expected.at(5));
+    model.addItem(expected.at(5));
+    expected << expected.takeAt(5);
+    QCOMPARE(model.allItems(), expected);
+    delete twice;
+    qDeleteAll(removed);
+}
+
+void TestBkCalendarModel::shouldKnowTheUnsavedBookingsThroughRemovalsAndSaves()
+{
+    BkCalendarModel model;
+    auto* a = makeItem(1, 3, QVariant());
+    auto* b = makeItem(2, 3, QVariant());
+    model.addItem(a);
+    model.addItem(b);
+    a->setTime(QTime(9, 0), QTime(10, 0));
+    b->setTime(QTime(9, 0), QTime(10, 0));
+    QVERIFY(model.isInvalid(a));
+    QCOMPARE(model.invalidItems(), (QList<BkCalendarItem*>{a, b}));
+    // A move takes the booking off the list and puts it at the end again.
+    a->setDate(Day.addDays(2));
+    QCOMPARE(model.invalidItems(), (QList<BkCalendarItem*>{b, a}));
+    model.itemValid(b);
+    QVERIFY(!model.isInvalid(b));
+    QCOMPARE(model.invalidItems(), QList<BkCalendarItem*>{a});
+    model.removeItem(a);
+    QVERIFY(!model.isInvalid(a));
+    QVERIFY(model.invalidItems().isEmpty());
+    model.addItem(a);
+    a->setTime(QTime(11, 0), QTime(12, 0));
+    QVERIFY(model.isInvalid(a));
+    model.commitToDatabase();
+    QVERIFY(!model.isInvalid(a));
+    b->setTime(QTime(11, 0), QTime(12, 0));
+    model.rollback();
+    QVERIFY(!model.isInvalid(b));
+    QVERIFY(model.invalidItems().isEmpty());
 }
 
 void TestBkCalendarModel::shouldDeleteItemAndPlanAddedTwiceOnlyOnceOnClear()
