@@ -438,7 +438,6 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
     if (!mItem)
         return;
 
-    FwTextDocument document(nullptr);
     const QRectF shadow(mRect.x() + 4, mRect.y() + 6, mRect.width() - 5, mRect.height() - 7);
     QRectF r(mRect.x(), mRect.y() + 2, mRect.width() - 5, mRect.height() - 7);
     const QString timeText =
@@ -541,11 +540,17 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
         painter->translate(textX, r.y());
     painter->setClipRect(QRect(QPoint(0, 0), QPoint(int(r.width()) - 1, int(r.height()) - 1)),
                          Qt::ReplaceClip);
-    document.setDefaultFont(font);
-    document.setDocumentMargin(0);
-    document.setRichText(mItem->text());
-    document.setTextWidth(r.width());
-    document.drawContents(painter, QRectF());
+    if (!mTextLayout || mLaidOutText != mItem->text() || mLaidOutFont != font || mLaidOutWidth != r.width()) {
+        mTextLayout = std::make_unique<FwTextDocument>(nullptr);
+        mTextLayout->setDefaultFont(font);
+        mTextLayout->setDocumentMargin(0);
+        mTextLayout->setRichText(mItem->text());
+        mTextLayout->setTextWidth(r.width());
+        mLaidOutText = mItem->text();
+        mLaidOutFont = font;
+        mLaidOutWidth = r.width();
+    }
+    mTextLayout->drawContents(painter, QRectF());
     painter->restore();
     painter->setFont(originalFont);
 

@@ -4,16 +4,20 @@
 #include "FwCalendarGlobal.h"
 
 #include <QColor>
+#include <QFont>
 #include <QGraphicsItem>
 #include <QLinearGradient>
 #include <QList>
 #include <QObject>
+
 #include <QPoint>
 #include <QPointF>
 #include <QRectF>
+#include <memory>
 
 class BkCalendarColorScheme;
 class BkCalendarColumn;
+class FwTextDocument;
 class BkCalendarItem;
 class BkCalendarTimeScale;
 class QKeyEvent;
@@ -125,6 +129,13 @@ private:
     BkCalendarItem* mItem;
     BkCalendarTimeScale* mScale;
     BkCalendarColorScheme* mScheme;
+
+    // The booking's text laid out for the last paint; laid out again only when text, font or width
+    // differ, since laying out rich text is most of a box's paint.
+    std::unique_ptr<FwTextDocument> mTextLayout;
+    QString mLaidOutText;
+    QFont mLaidOutFont;
+    double mLaidOutWidth = -1.0;
 };
 
 #endif // BKCALENDARITEMWIDGET_H
