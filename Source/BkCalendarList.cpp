@@ -50,9 +50,12 @@ void BkCalendarList::update()
         return;
     mRows.clear();
     clear();
+    // Reading may make the host load the day at once: those bookings come through itemAdded while
+    // items() runs, and have their row already.
     const QList<BkCalendarItem*> items = mModel->items(mDate, mResource);
     for (BkCalendarItem* item : items)
-        addRow(item);
+        if (!mRows.contains(item))
+            addRow(item);
 }
 
 void BkCalendarList::fillRow(QListWidgetItem* row, BkCalendarItem* item)

@@ -79,6 +79,7 @@ private slots:
     void shouldFollowANoisyMove();
     void shouldDropARemovedBooking();
     void shouldShowReservedBookings();
+    void shouldMakeOneRowForABookingLoadedWhileReading();
 };
 
 void tst_BkCalendarList::init()
@@ -335,6 +336,21 @@ void tst_BkCalendarList::shouldShowReservedBookings()
     j.list.setResource(Anna);
     QCOMPARE(titles(j.list), QStringList{QStringLiteral("held")});
     QCOMPARE(j.list.item(0)->data(BkCalendarList::TypeRole).toInt(), 6);
+}
+
+void tst_BkCalendarList::shouldMakeOneRowForABookingLoadedWhileReading()
+{
+    // The host answers the list's read of a day that is not loaded yet at once.
+    JobList j;
+    connect(&j.model, &BkCalendarModel::loadData, this,
+            [&j](const QDate& from, const QDate& to, const BkCalendarResource& who) {
+                if (who == Anna && from <= Wednesday && Wednesday <= to)
+                    booking(j.model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0), QStringLiteral("loaded"));
+            });
+    j.list.setResource(Anna);
+    QCOMPARE(titles(j.list), QStringList{QStringLiteral("loaded")});
+    QCOMPARE(j.list.rows().count(), 1);
+    QCOMPARE(j.list.rows().value(j.model.findId(1)), j.list.item(0));
 }
 
 FW_TEST_MAIN(tst_BkCalendarList)
