@@ -12,6 +12,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QRandomGenerator>
+#include <QSet>
 #include <QVector>
 
 #include <unistd.h>
@@ -129,5 +130,7 @@ int main(int argc, char** argv)
     table.add(QStringLiteral("memory per booking (resident: booking and store)"),
               double(after - before - Bookings * qint64(sizeof(void*))) / Bookings, QStringLiteral("bytes"));
     table.print();
-    return (found > 0 && saved == 1000) ? 0 : 1;
+    // The sample may hold a booking twice; the batch holds it once.
+    const int distinct = QSet<BkCalendarItem*>(moved.cbegin(), moved.cbegin() + 1000).size();
+    return (found > 0 && saved == distinct) ? 0 : 1;
 }

@@ -20,7 +20,8 @@ echo "Machine: $(nproc) cores, $(grep -m1 'model name' /proc/cpuinfo | cut -d: -
 "$BUILD_DIR/bin/bench_views" 2>/dev/null | grep -v '^fw.log'
 echo
 echo "### Collision layout of one column (milliseconds per operation)"
-"$BUILD_DIR/bin/bench_collisions" -silent 2>/dev/null | grep -E '^RESULT|msecs' || true
+"$BUILD_DIR/bin/bench_collisions" 2>/dev/null | grep -A1 '^RESULT' | grep -v '^--' | paste - - |
+    sed -E 's/RESULT : bench_Collisions::([A-Za-z]+)\(\):"([0-9]+)":[[:space:]]+([0-9.]+) msecs.*/| \1 | \2 bookings | \3 ms |/'
 echo
 echo "### Demo: group view of 30 resources on 100,000 bookings"
 "$BUILD_DIR/bin/bench_demo_group" 2>/dev/null | grep -v '^fw.log'
