@@ -24,8 +24,8 @@
 #include <QGraphicsView>
 #include <QImage>
 #include <QKeyEvent>
-#include <QMouseEvent>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <functional>
@@ -47,8 +47,8 @@ void paint(QGraphicsView* view, QImage& image)
     view->render(&painter, QRectF(image.rect()), view->viewport()->rect());
 }
 
-BkCalendarItem* booking(BkCalendarModel* model, int id, const QDate& date, const BkCalendarResource& who, QTime start,
-                        int minutes)
+BkCalendarItem* booking(BkCalendarModel* model, int id, const QDate& date, const BkCalendarResource& who,
+                        QTime start, int minutes)
 {
     auto* item = new BkCalendarItem;
     item->id = id;
@@ -88,7 +88,8 @@ int fillDay(BkCalendarModel* model, int id, const QDate& date, const BkCalendarR
     int slot = 0;
     for (int i = 0; i < overlapping; i += 3, ++slot)
         for (int k = 0; k < 3; ++k)
-            booking(model, id++, date, who, QTime(7, 0).addSecs((slot * minutes + k * 5) * 60), qMax(15, minutes - 5));
+            booking(model, id++, date, who, QTime(7, 0).addSecs((slot * minutes + k * 5) * 60),
+                    qMax(15, minutes - 5));
     for (int i = 0; i < single; ++i, ++slot)
         booking(model, id++, date, who, QTime(7, 0).addSecs(slot * minutes * 60), qMax(5, minutes - 2));
     for (int p = 0; p < 4; ++p)
@@ -128,7 +129,8 @@ double floorOf(const QSize& size, int columns, int boxesPerColumn, int plansPerC
 struct Form
 {
     explicit Form(const QSize& size = QSize(1920, 1080))
-        : calendar(nullptr, BkCalendar::NoDocks | BkCalendar::Show5Day | BkCalendar::Show7Day | BkCalendar::ShowGroup)
+        : calendar(nullptr,
+                   BkCalendar::NoDocks | BkCalendar::Show5Day | BkCalendar::Show7Day | BkCalendar::ShowGroup)
     {
         calendar.resize(size);
         calendar.setInterval(QTime(7, 0), QTime(19, 0));
@@ -170,7 +172,8 @@ void groupView(BenchTable& table, int resources, int bookings)
         const double width = form.view()->getColumnList().first()->boundingRect().width();
         floors << floorOf(form.image.size(), resources, bookings, 4, width);
     }
-    const QString what = QStringLiteral("group view, %1 resources of %2 bookings and 4 plans").arg(resources).arg(bookings);
+    const QString what =
+        QStringLiteral("group view, %1 resources of %2 bookings and 4 plans").arg(resources).arg(bookings);
     table.add(what + QStringLiteral(": open and first paint"), BenchTable::median(open), QStringLiteral("ms"),
               BenchTable::median(floors));
     table.add(what + QStringLiteral(": next day and paint"), BenchTable::median(next), QStringLiteral("ms"),
@@ -188,7 +191,8 @@ void weekView(BenchTable& table, int perDay, int overlapping, int days, int more
             id = fillDay(form.model(), id, Monday.addDays(d), anna, perDay, overlapping);
         // A store with years of other bookings, on other days and of other people.
         for (int i = 0; i < more; ++i)
-            booking(form.model(), id++, Monday.addDays(10 + i % 400), BkCalendarResource(2 + i % 500, QString(), i % 2),
+            booking(form.model(), id++, Monday.addDays(10 + i % 400),
+                    BkCalendarResource(2 + i % 500, QString(), i % 2),
                     QTime(8, 0).addSecs((i % 40) * 15 * 60), 30);
         form.calendar.setResource(BkCalendarResource());
         QElapsedTimer timer;
@@ -207,12 +211,13 @@ void weekView(BenchTable& table, int perDay, int overlapping, int days, int more
         const double width = form.view()->getColumnList().first()->boundingRect().width();
         floors << floorOf(form.image.size(), days, perDay, 4, width);
     }
-    QString what = days == 7 ? QStringLiteral("week view, %1 a day (%2 overlapping)").arg(perDay).arg(overlapping)
-                             : QStringLiteral("one day of %1 (%2 overlapping)").arg(perDay).arg(overlapping);
+    QString what = days == 7
+                       ? QStringLiteral("week view, %1 a day (%2 overlapping)").arg(perDay).arg(overlapping)
+                       : QStringLiteral("one day of %1 (%2 overlapping)").arg(perDay).arg(overlapping);
     if (more > 0)
         what += QStringLiteral(", %1 more in the store").arg(more);
-    table.add(what + QStringLiteral(": first complete paint"), BenchTable::median(first), QStringLiteral("ms"),
-              BenchTable::median(floors));
+    table.add(what + QStringLiteral(": first complete paint"), BenchTable::median(first),
+              QStringLiteral("ms"), BenchTable::median(floors));
     table.add(what + QStringLiteral(": full repaint"), BenchTable::median(again), QStringLiteral("ms"));
 }
 
@@ -319,10 +324,13 @@ void gestures(BenchTable& table)
         floors << ms(timer);
     }
     const double floor = BenchTable::median(floors);
-    table.add(QStringLiteral("mouse move by one snap step, column of 30 (9 overlapping), to the end of its repaint"),
+    table.add(QStringLiteral(
+                  "mouse move by one snap step, column of 30 (9 overlapping), to the end of its repaint"),
               BenchTable::median(moves), QStringLiteral("ms"), floor);
-    table.add(QStringLiteral("Up key move, to the end of its repaint"), BenchTable::median(keys), QStringLiteral("ms"), floor);
-    table.add(QStringLiteral("drag to the next column and drop, to the end of its repaint"), dropped, QStringLiteral("ms"), floor);
+    table.add(QStringLiteral("Up key move, to the end of its repaint"), BenchTable::median(keys),
+              QStringLiteral("ms"), floor);
+    table.add(QStringLiteral("drag to the next column and drop, to the end of its repaint"), dropped,
+              QStringLiteral("ms"), floor);
 }
 
 } // namespace
