@@ -98,16 +98,18 @@ void BkCalendarModel::dropFromAllItems(BkCalendarItem* item)
         mAllItems.at(item->mStorePosition) == item) {
         mAllItems[item->mStorePosition] = nullptr;
         ++mAllItemsHoles;
-    } else if (item->mStoreCount > 0) {
-        // Added more than once (possible without an id): every place goes, as it always has.
+        item->mStoreCount = 0;
+        item->mStorePosition = -1;
+    } else {
+        // Added more than once, or held by another model as well: every place here goes, as it
+        // always has, found by a walk.
         for (int i = 0; i < mAllItems.size(); ++i)
             if (mAllItems.at(i) == item) {
                 mAllItems[i] = nullptr;
                 ++mAllItemsHoles;
+                item->mStoreCount = qMax(0, item->mStoreCount - 1);
             }
     }
-    item->mStoreCount = 0;
-    item->mStorePosition = -1;
     if (mAllItemsHoles > 64 && mAllItemsHoles * 2 > mAllItems.size()) {
         int kept = 0;
         for (int i = 0; i < mAllItems.size(); ++i) {

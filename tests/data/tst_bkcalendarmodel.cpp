@@ -3,6 +3,7 @@
 #include "BkCalendarModel.h"
 
 #include <QLocale>
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTimer>
 #include <QtTest>
@@ -64,6 +65,9 @@ private slots:
     void shouldFileItemWithoutIdTwiceWhenAddedTwice();
     void shouldKeepTheOrderOfAddingThroughManyRemovalsAndMoves();
     void shouldKnowTheUnsavedBookingsThroughRemovalsAndSaves();
+    void shouldKeepAddingOrderThroughManyMovesAndRemovals();
+    void shouldRemoveItemAddedTwiceAfterMovesInBetween();
+    void shouldRemoveItemThatAnotherModelHoldsToo();
     void shouldDeleteItemAndPlanAddedTwiceOnlyOnceOnClear();
     void shouldKeepItemWithoutKeysInAllItemsOnly();
     void shouldFindById();
@@ -381,6 +385,86 @@ void TestBkCalendarModel::shouldKnowTheUnsavedBookingsThroughRemovalsAndSaves()
     model.rollback();
     QVERIFY(!model.isInvalid(b));
     QVERIFY(model.invalidItems().isEmpty());
+}
+
+// Moves send a booking to the end of the list and removals take it out; thousands of them in a
+// random order must leave the list exactly as a plain list treated the same way.
+void TestBkCalendarModel::shouldKeepAddingOrderThroughManyMovesAndRemovals()
+{
+    BkCalendarModel model;
+    QList<BkCalendarItem*> expected;
+    QList<BkCalendarItem*> outside;
+    for (int i = 0; i < 300; ++i) {
+        auto* item = makeItem(i + 1, 1 + i % 7, 100 + i % 5, Day.addDays(i % 3));
+        QVERIFY(model.addItem(item));
+        expected.append(item);
+    }
+    QRandomGenerator random(1234);
+    for (int step = 0; step < 5000; ++step) {
+        const int action = random.bounded(4);
+        if (action == 0 && !expected.isEmpty()) {
+            BkCalendarItem* item = expected.at(random.bounded(expected.size()));
+            model.removeItem(item);
+            expected.removeAll(item);
+            outside.append(item);
+        } else if (action == 1 && !outside.isEmpty()) {
+            BkCalendarItem* item = outside.takeAt(random.bounded(outside.size()));
+            QVERIFY(model.addItem(item));
+            expected.append(item);
+        } else if (!expected.isEmpty()) {
+            BkCalendarItem* item = expected.at(random.bounded(expected.size()));
+            // Writing the value a booking already has is no move.
+            const QVariant user = item->userId();
+            if (action == 2)
+                item->setDate(item->date().addDays(random.bounded(2) ? 1 : -1), random.bounded(2));
+            else
+                item->setUserId(1 + random.bounded(7));
+            if (action == 2 || item->userId() != user) {
+                expected.removeAll(item);
+                expected.append(item);
+            }
+        }
+        if (step % 97 == 0)
+            QCOMPARE(model.allItems(), expected);
+    }
+    QCOMPARE(model.allItems(), expected);
+    for (BkCalendarItem* item : qAsConst(expected))
+        QCOMPARE(model.findId(item->id), item);
+    qDeleteAll(outside);
+}
+
+void TestBkCalendarModel::shouldRemoveItemAddedTwiceAfterMovesInBetween()
+{
+    BkCalendarModel model;
+    auto* twice = makeItem(QVariant(), 3, QVariant());
+    auto* other = makeItem(1, 3, QVariant());
+    QVERIFY(model.addItem(twice));
+    QVERIFY(model.addItem(other));
+    QVERIFY(model.addItem(twice));
+    QCOMPARE(model.allItems(), (QList<BkCalendarItem*>{twice, other, twice}));
+    other->setDate(Day.addDays(1));
+    QCOMPARE(model.allItems(), (QList<BkCalendarItem*>{twice, twice, other}));
+    model.removeItem(twice);
+    QCOMPARE(model.allItems(), QList<BkCalendarItem*>{other});
+    QVERIFY(model.items(Day, BkCalendarResource(3)).isEmpty());
+    delete twice;
+}
+
+void TestBkCalendarModel::shouldRemoveItemThatAnotherModelHoldsToo()
+{
+    BkCalendarModel first;
+    BkCalendarModel second;
+    auto* item = makeItem(QVariant(), 3, QVariant());
+    auto* before = makeItem(1, 3, QVariant());
+    QVERIFY(first.addItem(before));
+    QVERIFY(first.addItem(item));
+    QVERIFY(second.addItem(item));
+    first.removeItem(item);
+    QCOMPARE(first.allItems(), QList<BkCalendarItem*>{before});
+    QCOMPARE(second.allItems(), QList<BkCalendarItem*>{item});
+    second.removeItem(item);
+    QVERIFY(second.allItems().isEmpty());
+    delete item;
 }
 
 void TestBkCalendarModel::shouldDeleteItemAndPlanAddedTwiceOnlyOnceOnClear()
