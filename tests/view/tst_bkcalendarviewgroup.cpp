@@ -2,6 +2,7 @@
 // users and resources; a pick rebinds the column, a clear removes it, the placeholder grows a new
 // one, and the group is saved for the host.
 
+#include "BkShownView.h"
 #include "FwModal.h"
 #include "FwTestApplication.h"
 
@@ -92,18 +93,12 @@ QList<int> indices(const BkCalendarView& view)
     return list;
 }
 
-struct GroupView
+struct GroupView : BkShownView
 {
     GroupView()
+        : BkShownView(QSize(900, 500))
     {
-        view.setModel(&model);
-        view.resize(900, 500);
-        view.show();
-        ok = QTest::qWaitForWindowExposed(&view);
     }
-    BkCalendarModel model;
-    BkCalendarView view;
-    bool ok = false;
 };
 } // namespace
 

@@ -1,6 +1,7 @@
 // How the view sizes its columns to the widget, and how the scale and the headers stay in sight while
 // the grid scrolls.
 
+#include "BkShownView.h"
 #include "FwTestApplication.h"
 
 #include <BkCalendarClock.h>
@@ -68,19 +69,7 @@ void saveLayout(const QStringList& entries)
     FwApplication::app()->setLocalValue(QStringLiteral("CalendarLayout"), entries);
 }
 
-struct ShownView
-{
-    explicit ShownView(const QSize& size = QSize(1000, 500))
-    {
-        view.setModel(&model);
-        view.resize(size);
-        view.show();
-        ok = QTest::qWaitForWindowExposed(&view);
-    }
-    BkCalendarModel model;
-    BkCalendarView view;
-    bool ok = false;
-};
+using ShownView = BkShownView;
 } // namespace
 
 class tst_BkCalendarViewSizes : public QObject
