@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QBrush>
 #include <QDataStream>
+#include <QGraphicsScene>
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneMouseEvent>
@@ -179,6 +180,18 @@ void computeLayout(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVect
             counts[i] = 1;
         }
     }
+}
+
+// A new box waits in its scene's list of items to polish until the event loop comes round, and a box
+// deleted while it waits there is searched for in that list from its start. The views rebuild every
+// column several times over before they return to the event loop, which would grow that list to tens of
+// thousands and make each deletion a long walk; so the new boxes are polished at once. Polishing tells
+// a box no more than that it is visible, which it is told again when the scene's own turn comes.
+void polishNow(QGraphicsScene* scene)
+{
+    static const bool canPolish = QGraphicsScene::staticMetaObject.indexOfMethod("_q_polishItems()") >= 0;
+    if (scene && canPolish)
+        QMetaObject::invokeMethod(scene, "_q_polishItems", Qt::DirectConnection);
 }
 
 } // namespace
@@ -393,6 +406,7 @@ void BkCalendarColumn::updateChildren()
             if (mScale && mScale->inside(item->start(), item->end()))
                 makeWidget(item);
         }
+        polishNow(scene());
     }
     mHoldLayout = false;
     checkCollisions();

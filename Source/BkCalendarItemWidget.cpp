@@ -432,6 +432,28 @@ bool BkCalendarItemWidget::moveBySeconds(int n)
     return true;
 }
 
+void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, const QFont& font,
+                                        const QPointF& origin)
+{
+    painter->save();
+    painter->translate(origin);
+    painter->setClipRect(QRect(QPoint(0, 0), QPoint(int(area.width()) - 1, int(area.height()) - 1)),
+                         Qt::ReplaceClip);
+    if (!mTextLayout || mLaidOutText != mItem->text() || mLaidOutFont != font ||
+        mLaidOutWidth != area.width()) {
+        mTextLayout = std::make_unique<FwTextDocument>(nullptr);
+        mTextLayout->setDefaultFont(font);
+        mTextLayout->setDocumentMargin(0);
+        mTextLayout->setRichText(mItem->text());
+        mTextLayout->setTextWidth(area.width());
+        mLaidOutText = mItem->text();
+        mLaidOutFont = font;
+        mLaidOutWidth = area.width();
+    }
+    mTextLayout->drawContents(painter, QRectF());
+    painter->restore();
+}
+
 void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)
 {
     Q_UNUSED(widget)
@@ -511,15 +533,27 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
     painter->setFont(font);
     const double textX = r.left();
 
+    // A box narrower than its margins has no room for text: a line clipped to an area of no width
+    // leaves no pixel, so it is not laid out at all. Only the icons at the foot of the text area
+    // depend on where the lines would end, so for them the lines are still measured.
+    const bool textShows = r.width() > 0.0;
+    const bool iconsFollowText = type == BkCalendarItem::Meeting ||
+                                 (mItem->flags() & (BkCalendarItem::FlagMail | BkCalendarItem::FlagPhone));
     QRectF bounds(0, 0, 0, 0);
+    auto drawLine = [&](const QRectF& area, int flags, const QString& line) {
+        if (textShows)
+            painter->drawText(area, flags, line, &bounds);
+        else if (iconsFollowText)
+            bounds = painter->boundingRect(area, flags, line);
+    };
     if (settingValue("set_calshowtime") == 1 && type != BkCalendarItem::TextOnly) {
-        painter->drawText(r, Qt::AlignLeft, timeText, &bounds);
+        drawLine(r, Qt::AlignLeft, timeText);
         r.setTop(bounds.bottom());
     }
     if (type == BkCalendarItem::Meeting)
-        painter->drawText(r, Qt::AlignLeft, tr("Meeting"), &bounds);
+        drawLine(r, Qt::AlignLeft, tr("Meeting"));
     else if (type != BkCalendarItem::TextOnly)
-        painter->drawText(r, Qt::AlignLeft | Qt::TextWordWrap, mItem->title(), &bounds);
+        drawLine(r, Qt::AlignLeft | Qt::TextWordWrap, mItem->title());
 
     if (mItem->locked != 0) {
         painter->drawPixmap(QPointF(int(r.x() + r.width() - 16), 1.0), QPixmap(":/widgets/lock.png"));
@@ -533,25 +567,9 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
     font.setWeight(50);
     painter->setFont(font);
 
-    painter->save();
-    if (type == BkCalendarItem::TextOnly)
-        painter->translate(textX, 0);
-    else
-        painter->translate(textX, r.y());
-    painter->setClipRect(QRect(QPoint(0, 0), QPoint(int(r.width()) - 1, int(r.height()) - 1)),
-                         Qt::ReplaceClip);
-    if (!mTextLayout || mLaidOutText != mItem->text() || mLaidOutFont != font || mLaidOutWidth != r.width()) {
-        mTextLayout = std::make_unique<FwTextDocument>(nullptr);
-        mTextLayout->setDefaultFont(font);
-        mTextLayout->setDocumentMargin(0);
-        mTextLayout->setRichText(mItem->text());
-        mTextLayout->setTextWidth(r.width());
-        mLaidOutText = mItem->text();
-        mLaidOutFont = font;
-        mLaidOutWidth = r.width();
-    }
-    mTextLayout->drawContents(painter, QRectF());
-    painter->restore();
+    // Text only starts at the very top of the box; the others below their title.
+    if (r.width() > 0.0)
+        drawRichText(painter, r, font, QPointF(textX, type == BkCalendarItem::TextOnly ? 0.0 : r.y()));
     painter->setFont(originalFont);
 
     // The icons stand at the height of the text area from the top, not at its foot.

@@ -38,6 +38,9 @@ BkCalendarView::BkCalendarView(QWidget* parent)
     , mScheme()
 {
     mScene = new BkCalendarScene();
+    // The boxes are rebuilt at every change of date or width and move under the pointer: keeping a
+    // spatial index up to date costs more than walking a few thousand items when painting.
+    mScene->setItemIndexMethod(QGraphicsScene::NoIndex);
     setScene(mScene);
     setDate(BkCalendarClock::currentDate());
     setAlignment(Qt::AlignLeft | Qt::AlignTop);

@@ -33,18 +33,33 @@
 namespace {
 
 const QDate Monday(2026, 11, 23);
-const int Runs = 5;
+// Runs of each picture; a profiler run asks for fewer (second argument).
+int Runs = 5;
 
 double ms(const QElapsedTimer& timer)
 {
     return timer.nsecsElapsed() / 1e6;
 }
 
-// The view as the screen shows it, into an image of its viewport's size.
-void paint(QGraphicsView* view, QImage& image)
+// Where the pictures go when BENCH_VIEWS_PICTURES names a folder: a change that makes the calendar
+// faster must leave them byte for byte as they were.
+QString picturesFolder()
 {
-    QPainter painter(&image);
-    view->render(&painter, QRectF(image.rect()), view->viewport()->rect());
+    return QString::fromLocal8Bit(qgetenv("BENCH_VIEWS_PICTURES"));
+}
+
+// The view as the screen shows it, into an image of its viewport's size.
+void paint(QGraphicsView* view, QImage& image, const QString& name = QString())
+{
+    const bool save = !name.isEmpty() && !picturesFolder().isEmpty();
+    if (save)
+        image.fill(Qt::transparent);
+    {
+        QPainter painter(&image);
+        view->render(&painter, QRectF(image.rect()), view->viewport()->rect());
+    }
+    if (save)
+        image.save(picturesFolder() + QLatin1Char('/') + name + QStringLiteral(".png"));
 }
 
 BkCalendarItem* booking(BkCalendarModel* model, int id, const QDate& date, const BkCalendarResource& who,
@@ -163,11 +178,11 @@ void groupView(BenchTable& table, int resources, int bookings)
         QElapsedTimer timer;
         timer.start();
         form.calendar.showGroup();
-        paint(form.view(), form.image);
+        paint(form.view(), form.image, QStringLiteral("group-%1-open").arg(resources));
         open << ms(timer);
         timer.restart();
         form.calendar.setDate(Monday.addDays(1));
-        paint(form.view(), form.image);
+        paint(form.view(), form.image, QStringLiteral("group-%1-next").arg(resources));
         next << ms(timer);
         const double width = form.view()->getColumnList().first()->boundingRect().width();
         floors << floorOf(form.image.size(), resources, bookings, 4, width);
@@ -203,10 +218,11 @@ void weekView(BenchTable& table, int perDay, int overlapping, int days, int more
         else
             form.calendar.show1Day();
         form.calendar.setDate(Monday);
-        paint(form.view(), form.image);
+        const QString name = QStringLiteral("days-%1-%2-%3").arg(days).arg(perDay).arg(more);
+        paint(form.view(), form.image, name + QStringLiteral("-first"));
         first << ms(timer);
         timer.restart();
-        paint(form.view(), form.image);
+        paint(form.view(), form.image, name + QStringLiteral("-again"));
         again << ms(timer);
         const double width = form.view()->getColumnList().first()->boundingRect().width();
         floors << floorOf(form.image.size(), days, perDay, 4, width);
@@ -344,6 +360,8 @@ int main(int argc, char** argv)
 
     // One part alone, for a profiler: group, week or gesture.
     const QString only = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
+    if (argc > 2)
+        Runs = qMax(1, QByteArray(argv[2]).toInt());
     BenchTable views(QStringLiteral("Views, 1920×1080, medians of %1 runs").arg(Runs));
     if (only.isEmpty() || only == QLatin1String("group")) {
         groupView(views, 300, 12);

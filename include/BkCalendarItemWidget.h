@@ -109,6 +109,8 @@ protected:
 private:
     // Grows a short box to the expand height until the pointer leaves it.
     void grow(int height);
+    // The booking's rich text in the area left below its title, from origin on.
+    void drawRichText(QPainter* painter, const QRectF& area, const QFont& font, const QPointF& origin);
 
     bool mMoved;
     bool mExpanded;

@@ -97,6 +97,10 @@ private slots:
     void shouldDrawUsersIconOnlyAboveFortyPixels();
     void shouldDrawIconsOnlyInTallBoxes();
     void shouldDrawPadlockForLockedBooking();
+    void shouldLeaveNoTextInBoxNarrowerThanItsMargins_data();
+    void shouldLeaveNoTextInBoxNarrowerThanItsMargins();
+    void shouldKeepIconsAtTheirHeightInNarrowBox_data();
+    void shouldKeepIconsAtTheirHeightInNarrowBox();
     void shouldPaintReservedBoxPlainAndGrey();
     void shouldFillWithSelectedGradientAndSelectColumn();
     void shouldHatchClosedPlan();
@@ -307,6 +311,95 @@ void tst_BkCalendarPaint::shouldDrawIconsOnlyInTallBoxes()
     const QImage smallBare = paintItem(small->widget);
     small->setItemFlags(BkCalendarItem::FlagMail | BkCalendarItem::FlagPhone);
     QCOMPARE(paintItem(small->widget), smallBare);
+}
+
+void tst_BkCalendarPaint::shouldLeaveNoTextInBoxNarrowerThanItsMargins_data()
+{
+    QTest::addColumn<double>("columnWidth");
+    QTest::addColumn<int>("showTime");
+    QTest::addColumn<int>("type");
+    QTest::addColumn<bool>("textShows");
+    // The box is 5 narrower than its column and its text 11 narrower than the box: a column of 16
+    // leaves the text no width at all, one of 17 a single pixel.
+    QTest::newRow("no width, title") << 16.0 << 0 << 0 << false;
+    QTest::newRow("no width, time and title") << 16.0 << 1 << 0 << false;
+    QTest::newRow("less than no width") << 9.0 << 1 << 0 << false;
+    QTest::newRow("no width, text only") << 16.0 << 0 << int(BkCalendarItem::TextOnly) << false;
+    QTest::newRow("one pixel, title") << 17.0 << 0 << 0 << true;
+    QTest::newRow("one pixel, text only") << 17.0 << 0 << int(BkCalendarItem::TextOnly) << true;
+    QTest::newRow("wide, title") << 105.0 << 1 << 0 << true;
+}
+
+// A box too narrow for its text paints what it paints without text; one pixel more and the text
+// shows again.
+void tst_BkCalendarPaint::shouldLeaveNoTextInBoxNarrowerThanItsMargins()
+{
+    QFETCH(double, columnWidth);
+    QFETCH(int, showTime);
+    QFETCH(int, type);
+    QFETCH(bool, textShows);
+    setSetting("set_calshowtime", showTime);
+    BkColumnFixture fixture(false, columnWidth);
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(11, 0), 1, BkCalendarItem::ItemType(type));
+    item->setTitle(QStringLiteral("WWW"));
+    item->setText(QStringLiteral("<b>WWW</b> WWW WWW"));
+    // Painted 40 in from the left, so that ink to the left of the box would show as well.
+    auto paintShifted = [item]() {
+        QImage image(200, int(item->widget->boundingRect().height()) + 10, QImage::Format_ARGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.translate(40, 0);
+        QStyleOptionGraphicsItem option;
+        item->widget->paint(&painter, &option, nullptr);
+        return image;
+    };
+    const QImage withText = paintShifted();
+    item->setTitle(QString());
+    item->setText(QString());
+    const QImage without = paintShifted();
+    QCOMPARE(withText != without, textShows);
+}
+
+void tst_BkCalendarPaint::shouldKeepIconsAtTheirHeightInNarrowBox_data()
+{
+    QTest::addColumn<int>("showTime");
+    QTest::newRow("title") << 0;
+    QTest::newRow("time and title") << 1;
+}
+
+// The icons stand below the lines of a box whatever its width, so a box without room for its lines
+// still finds where they would end.
+void tst_BkCalendarPaint::shouldKeepIconsAtTheirHeightInNarrowBox()
+{
+    if (QPixmap(":/calendar/phone.png").isNull())
+        QSKIP("the phone picture is not in the resources");
+    QFETCH(int, showTime);
+    setSetting("set_calshowtime", showTime);
+    auto iconTop = [](double columnWidth) {
+        BkColumnFixture fixture(false, columnWidth);
+        BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(11, 0), 1, BkCalendarItem::Meeting);
+        auto paintShifted = [item]() {
+            QImage image(200, int(item->widget->boundingRect().height()) + 10, QImage::Format_ARGB32);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            // The icons stand left of the text area's right edge, which a narrow box has at its left.
+            painter.translate(100, 0);
+            QStyleOptionGraphicsItem option;
+            item->widget->paint(&painter, &option, nullptr);
+            return image;
+        };
+        const QImage bare = paintShifted();
+        item->setItemFlags(BkCalendarItem::FlagPhone);
+        const QImage withPhone = paintShifted();
+        for (int y = 0; y < bare.height(); ++y)
+            for (int x = 0; x < bare.width(); ++x)
+                if (bare.pixel(x, y) != withPhone.pixel(x, y))
+                    return y;
+        return -1;
+    };
+    const int wide = iconTop(105.0);
+    QVERIFY(wide > 0);
+    QCOMPARE(iconTop(16.0), wide);
 }
 
 void tst_BkCalendarPaint::shouldDrawPadlockForLockedBooking()
