@@ -30,6 +30,7 @@
 #include <QStyle>
 #include <QStyleOptionGraphicsItem>
 #include <QTreeWidgetItemIterator>
+#include <QVarLengthArray>
 #include <QVector>
 
 #include <algorithm>
@@ -80,8 +81,69 @@ bool sameBox(const LayoutBox& a, const LayoutBox& b)
 // normal boxes fall into runs that a sweep over their tops finds. A box of zero or negative height
 // belongs to the run whose whole span holds it strictly; it sees that run as its own cluster only
 // when one single normal box holds it, since its own cluster search starts from its own span.
+void computeLayout(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts);
+
+// The same for the common column in which every box has a height: its runs are stretches of the boxes
+// sorted by top, and nothing needs to be kept per run. False when some box has no height.
+bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts)
+{
+    const int n = boxes.size();
+    QVarLengthArray<int, 256> order(n);
+    for (int i = 0; i < n; ++i) {
+        if (!(boxes.at(i).bottom > boxes.at(i).top))
+            return false;
+        order[i] = i;
+    }
+    // By top, and at equal tops by id, the boxes without an item first as they take no rank there.
+    std::stable_sort(order.begin(), order.end(), [&boxes](int a, int b) {
+        const LayoutBox& x = boxes.at(a);
+        const LayoutBox& y = boxes.at(b);
+        if (x.top != y.top)
+            return x.top < y.top;
+        if (x.hasItem != y.hasItem)
+            return !x.hasItem;
+        return x.hasItem && x.id < y.id;
+    });
+    indexes.resize(n);
+    counts.resize(n);
+    int runStart = 0;
+    while (runStart < n) {
+        double reach = boxes.at(order[runStart]).bottom;
+        int runEnd = runStart + 1;
+        while (runEnd < n && boxes.at(order[runEnd]).top < reach) {
+            reach = std::max(reach, boxes.at(order[runEnd]).bottom);
+            ++runEnd;
+        }
+        // A box's rank: the boxes of its run with a lower top, then at its own top those with an item
+        // and a lower id. Equal ids share their rank.
+        int groupStart = runStart;
+        while (groupStart < runEnd) {
+            const double top = boxes.at(order[groupStart]).top;
+            int groupEnd = groupStart + 1;
+            while (groupEnd < runEnd && boxes.at(order[groupEnd]).top == top)
+                ++groupEnd;
+            int withItem = groupStart;
+            while (withItem < groupEnd && !boxes.at(order[withItem]).hasItem)
+                ++withItem;
+            int rank = 0;
+            for (int g = groupStart; g < groupEnd; ++g) {
+                const LayoutBox& box = boxes.at(order[g]);
+                if (box.hasItem && g > withItem && box.id != boxes.at(order[g - 1]).id)
+                    rank = g - withItem;
+                indexes[order[g]] = groupStart - runStart + (box.hasItem ? rank : 0);
+                counts[order[g]] = runEnd - runStart;
+            }
+            groupStart = groupEnd;
+        }
+        runStart = runEnd;
+    }
+    return true;
+}
+
 void computeLayout(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts)
 {
+    if (computeLayoutOfTallBoxes(boxes, indexes, counts))
+        return;
     const int n = boxes.size();
     indexes.fill(0, n);
     counts.fill(1, n);
@@ -213,6 +275,7 @@ BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
     , mIndex(0)
     , mCustomSize(false)
     , mLayoutRun(nullptr)
+    , mLayoutMemo(std::make_unique<LayoutMemo>())
     , mHoldLayout(false)
 {
     setFlags(QGraphicsItem::ItemIsSelectable);
@@ -529,6 +592,33 @@ void BkCalendarColumn::selectPreviousItem()
     widget->ensureVisible(QRectF(), 50, 50);
 }
 
+// The layout is a function of the boxes' tops, heights and ids alone. Most runs find the boxes as the
+// run before left them (a box joins, then moves sideways with its new width), so the last answers are
+// kept and given again for the same boxes.
+struct BkCalendarColumn::LayoutMemo
+{
+    QVector<LayoutBox> boxes;
+    QVector<int> indexes;
+    QVector<int> counts;
+
+    bool answers(const QVector<LayoutBox>& now, QVector<int>& nowIndexes, QVector<int>& nowCounts) const
+    {
+        if (now.size() != boxes.size() || !std::equal(now.cbegin(), now.cend(), boxes.cbegin(), sameBox))
+            return false;
+        nowIndexes = indexes;
+        nowCounts = counts;
+        return true;
+    }
+
+    void remember(const QVector<LayoutBox>& now, const QVector<int>& nowIndexes,
+                  const QVector<int>& nowCounts)
+    {
+        boxes = now;
+        indexes = nowIndexes;
+        counts = nowCounts;
+    }
+};
+
 // The state of one layout run, shared with the runs nested in it.
 struct BkCalendarColumn::LayoutRun
 {
@@ -538,13 +628,30 @@ struct BkCalendarColumn::LayoutRun
     QVector<int> counts;
     // The box whose setColInfo is under way; only its move can start a nested run.
     int current = -1;
+    // The boxes before this one hold their answers. Only setColInfo changes a box's values, and only
+    // for a box that differs; so they stay settled until new answers are computed. A nested run, and
+    // the runs it returns to, need not look at them again.
+    int settled = 0;
+
+    // The answers of the last computation, which hold as long as the boxes are the same.
+    LayoutMemo* memo = nullptr;
 
     void compute()
     {
         boxes.resize(widgets.size());
         for (int i = 0; i < widgets.size(); ++i)
             boxes[i] = layoutBoxOf(widgets.at(i));
+        settled = 0;
+        if (memo->answers(boxes, indexes, counts))
+            return;
         computeLayout(boxes, indexes, counts);
+        memo->remember(boxes, indexes, counts);
+    }
+
+    bool holdsAnswer(int index) const
+    {
+        const BkCalendarItemWidget* widget = widgets.at(index);
+        return widget->colIndex() == indexes.at(index) && widget->colCount() == counts.at(index);
     }
 
     // The answers stay those of a fresh search as long as no top, height or id has changed. Every box
@@ -573,6 +680,7 @@ void BkCalendarColumn::checkCollisions()
     }
 
     LayoutRun run;
+    run.memo = mLayoutMemo.get();
     const QList<QGraphicsItem*> children = childItems();
     run.widgets.reserve(children.size());
     for (QGraphicsItem* child : children) {
@@ -593,17 +701,20 @@ void BkCalendarColumn::checkCollisions()
 
 void BkCalendarColumn::settleLayout(LayoutRun& run)
 {
-    for (int i = 0; i < run.widgets.size(); ++i) {
-        BkCalendarItemWidget* widget = run.widgets.at(i);
-        if (widget->colIndex() == run.indexes.at(i) && widget->colCount() == run.counts.at(i))
-            continue; // setColInfo would return at once
-        const int outer = run.current;
-        run.current = i;
-        widget->setColInfo(run.indexes.at(i), run.counts.at(i));
-        // Setting a box recomputes its geometry from its booking; it may have changed its height
-        // without moving sideways, which starts no nested run.
-        run.refresh(i);
-        run.current = outer;
+    // The boxes are visited in order and only those that differ are set, as a run of its own would
+    // do; a box known to be settled would be passed over, so the walk steps over it at once.
+    for (int i = run.settled; i < run.widgets.size(); i = qMax(i + 1, run.settled)) {
+        if (!run.holdsAnswer(i)) {
+            const int outer = run.current;
+            run.current = i;
+            run.widgets.at(i)->setColInfo(run.indexes.at(i), run.counts.at(i));
+            // Setting a box recomputes its geometry from its booking; it may have changed its height
+            // without moving sideways, which starts no nested run.
+            run.refresh(i);
+            run.current = outer;
+        }
+        if (run.settled == i && run.holdsAnswer(i))
+            run.settled = i + 1;
     }
 }
 

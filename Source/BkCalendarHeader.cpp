@@ -13,6 +13,7 @@
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QGuiApplication>
+#include <QHash>
 #include <QImage>
 #include <QKeySequence>
 #include <QLinearGradient>
@@ -21,6 +22,25 @@
 #include <QPalette>
 #include <QPen>
 #include <QStringList>
+
+namespace {
+
+// Every header paints its pictures at each repaint, and decoding them anew was most of its paint; they
+// do not change while the library is loaded, so each is decoded once. A picture that is not there is
+// looked for again at the next paint, as a host may register it later.
+QImage picture(const QString& path)
+{
+    static QHash<QString, QImage> decoded;
+    const auto known = decoded.constFind(path);
+    if (known != decoded.constEnd())
+        return *known;
+    const QImage image(path);
+    if (!image.isNull())
+        decoded.insert(path, image);
+    return image;
+}
+
+} // namespace
 
 BkCalendarHeader::BkCalendarHeader(QGraphicsItem* parent)
     : QObject()
@@ -109,8 +129,8 @@ void BkCalendarHeader::paint(QPainter* painter, const QStyleOptionGraphicsItem*,
     // The resource icon is looked up under "icons/", a place that only a host fills; without it a
     // resource column shows no icon.
     if (!resource.id.isNull()) {
-        const QImage icon(isResource ? QStringLiteral(":/calendar/icons/kexi.png")
-                                     : QStringLiteral(":/calendar/user.png"));
+        const QImage icon = picture(isResource ? QStringLiteral(":/calendar/icons/kexi.png")
+                                               : QStringLiteral(":/calendar/user.png"));
         if (!icon.isNull())
             painter->drawImage(QPointF(2.0, 2.0), icon);
     }
@@ -136,7 +156,7 @@ void BkCalendarHeader::paint(QPainter* painter, const QStyleOptionGraphicsItem*,
     }
 
     if (mResizable)
-        painter->drawImage(mGrip, QImage(QStringLiteral(":/calendar/resize.png")));
+        painter->drawImage(mGrip, picture(QStringLiteral(":/calendar/resize.png")));
 }
 
 // Every header offers the menu, also where there is no custom size to remove: the entry then only

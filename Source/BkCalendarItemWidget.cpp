@@ -97,38 +97,64 @@ void BkCalendarItemWidget::updateInfo()
 {
     if (!mScale || !mItem)
         return;
-    prepareGeometryChange();
-
-    mGradient = QLinearGradient(0, 0, 0, 100);
+    // The layout calls this for every box whose share changes, so the colours are worked out anew
+    // only when what they come from has changed.
     const int statusId = mItem->statusId.toInt();
+    QColor fillTop = mItem->topColor;
+    QColor fillBottom = mItem->bottomColor;
     if (!mItem->statusId.isNull() && mScheme && mScheme->statusColors.contains(statusId)) {
-        const QColor color = mScheme->statusColors.value(statusId).color;
-        mGradient.setColorAt(0.0, color);
-        mGradient.setColorAt(1.0, color.darker(150));
-    } else {
-        mGradient.setColorAt(0.0, mItem->topColor);
-        mGradient.setColorAt(1.0, mItem->bottomColor);
+        fillTop = mScheme->statusColors.value(statusId).color;
+        fillBottom = fillTop.darker(150);
     }
-
-    if (!mScheme) {
-        mSelectedGradient = mGradient;
-    } else {
-        mSelectedGradient = QLinearGradient(0, 0, 0, 100);
-        mSelectedGradient.setColorAt(0.0, mScheme->selectedHeader);
-        mSelectedGradient.setColorAt(1.0, mScheme->selectedHeaderGradient);
+    const bool selectedFromScheme = mScheme != nullptr;
+    const QColor selectedTop = mScheme ? mScheme->selectedHeader : QColor();
+    const QColor selectedBottom = mScheme ? mScheme->selectedHeaderGradient : QColor();
+    if (!mColours.valid || mColours.fillTop != fillTop || mColours.fillBottom != fillBottom ||
+        mColours.selectedFromScheme != selectedFromScheme || mColours.selectedTop != selectedTop ||
+        mColours.selectedBottom != selectedBottom) {
+        mGradient = QLinearGradient(0, 0, 0, 100);
+        mGradient.setColorAt(0.0, fillTop);
+        mGradient.setColorAt(1.0, fillBottom);
+        if (!selectedFromScheme) {
+            mSelectedGradient = mGradient;
+        } else {
+            mSelectedGradient = QLinearGradient(0, 0, 0, 100);
+            mSelectedGradient.setColorAt(0.0, selectedTop);
+            mSelectedGradient.setColorAt(1.0, selectedBottom);
+        }
+        mColours.fillTop = fillTop;
+        mColours.fillBottom = fillBottom;
+        mColours.selectedFromScheme = selectedFromScheme;
+        mColours.selectedTop = selectedTop;
+        mColours.selectedBottom = selectedBottom;
     }
 
     // The outline follows the booking's own colour even when a status colour fills the box. A value
     // below 10 stays at 0, so that a very dark colour still gives a valid, black outline.
     const QColor& bottom = mItem->bottomColor;
-    mBorder = QColor::fromHsv(bottom.hsvHue(), bottom.hsvSaturation(), qMax(0, bottom.value() - 10), 255);
+    if (!mColours.valid || mColours.outlineFrom != bottom) {
+        int hue = 0;
+        int saturation = 0;
+        int value = 0;
+        bottom.getHsv(&hue, &saturation, &value);
+        mBorder = QColor::fromHsv(hue, saturation, qMax(0, value - 10), 255);
+        mColours.outlineFrom = bottom;
+    }
+    mColours.valid = true;
 
     const double m = double(mScale->minuteHeight());
     const double t = double(mScale->topMargin());
     mY = minutesBetween(mScale->start(), mItem->start()) * m + t;
     mHeight = minutesBetween(mItem->start(), mItem->end()) * m;
     mX = mColIndex * (mColumnRect.width() / mColCount);
-    mRect = QRectF(0, 0, mColumnRect.width() / mColCount, mHeight);
+    const QRectF rect(0, 0, mColumnRect.width() / mColCount, mHeight);
+    // A box that keeps its size needs no notice of a geometry change; a move announces its own.
+    // (QRectF's own comparison is fuzzy, so each value is compared exactly.)
+    if (rect.x() != mRect.x() || rect.y() != mRect.y() || rect.width() != mRect.width() ||
+        rect.height() != mRect.height()) {
+        prepareGeometryChange();
+        mRect = rect;
+    }
 
     setPos(mX, mY);
     QGraphicsItem::update();

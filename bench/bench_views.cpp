@@ -358,14 +358,16 @@ int main(int argc, char** argv)
     BkCalendarClock::setFixedNow(QDateTime(Monday, QTime(12, 0)));
     app.setValue(1, QStringLiteral("set_calshowtime"), QString());
 
-    // One part alone, for a profiler: group, week or gesture.
+    // One part alone, for a profiler: group (group300, group100), week or gesture.
     const QString only = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     if (argc > 2)
         Runs = qMax(1, QByteArray(argv[2]).toInt());
     BenchTable views(QStringLiteral("Views, 1920×1080, medians of %1 runs").arg(Runs));
-    if (only.isEmpty() || only == QLatin1String("group")) {
-        groupView(views, 300, 12);
-        groupView(views, 100, 24);
+    if (only.isEmpty() || only.startsWith(QLatin1String("group"))) {
+        if (only != QLatin1String("group100"))
+            groupView(views, 300, 12);
+        if (only != QLatin1String("group300"))
+            groupView(views, 100, 24);
     }
     if (only.isEmpty() || only == QLatin1String("week")) {
         weekView(views, 40, 15, 7, 0);

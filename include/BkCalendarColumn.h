@@ -13,6 +13,8 @@
 #include <QRectF>
 #include <QTime>
 
+#include <memory>
+
 class BkCalendarColorScheme;
 class BkCalendarHeader;
 class BkCalendarItem;
@@ -146,6 +148,7 @@ protected:
 
 private:
     struct LayoutRun;
+    struct LayoutMemo;
     void settleLayout(LayoutRun& run);
     bool showsSomething() const;
     void placeGrip();
@@ -168,6 +171,7 @@ private:
     bool mCustomSize;
     // The layout run in progress, shared with the runs nested in it; null between runs.
     LayoutRun* mLayoutRun;
+    std::unique_ptr<LayoutMemo> mLayoutMemo;
     // True while updateChildren replaces the boxes; it lays them out once at the end.
     bool mHoldLayout;
 };

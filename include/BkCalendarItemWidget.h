@@ -132,6 +132,19 @@ private:
     BkCalendarTimeScale* mScale;
     BkCalendarColorScheme* mScheme;
 
+    // What the gradients and the outline were last worked out from.
+    struct Colours
+    {
+        bool valid = false;
+        QColor fillTop;
+        QColor fillBottom;
+        bool selectedFromScheme = false;
+        QColor selectedTop;
+        QColor selectedBottom;
+        QColor outlineFrom;
+    };
+    Colours mColours;
+
     // The booking's text laid out for the last paint; laid out again only when text, font or width
     // differ, since laying out rich text is most of a box's paint.
     std::unique_ptr<FwTextDocument> mTextLayout;

@@ -452,8 +452,12 @@ void tst_BkCalendarCollisions::shouldMatchTheLiteralRuleOnRandomDays_data()
 {
     QTest::addColumn<quint32>("seed");
     QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("tall");
     for (quint32 seed = 1; seed <= 40; ++seed)
-        QTest::newRow(qPrintable(QString("seed %1").arg(seed))) << seed << int(5 + seed % 30);
+        QTest::newRow(qPrintable(QString("seed %1").arg(seed))) << seed << int(5 + seed % 30) << false;
+    // Days on which every box has a height, the common day, with many equal tops and repeated ids.
+    for (quint32 seed = 41; seed <= 80; ++seed)
+        QTest::newRow(qPrintable(QString("tall, seed %1").arg(seed))) << seed << int(5 + seed % 60) << true;
 }
 
 void tst_BkCalendarCollisions::shouldMatchTheLiteralRuleOnRandomDays()
@@ -462,13 +466,14 @@ void tst_BkCalendarCollisions::shouldMatchTheLiteralRuleOnRandomDays()
     // start all turn up; a few boxes are hidden and ids repeat.
     QFETCH(quint32, seed);
     QFETCH(int, count);
+    QFETCH(bool, tall);
     QRandomGenerator random(seed);
     BkColumnFixture fixture;
     QList<BkCalendarItem*> items;
     for (int i = 0; i < count; ++i) {
         const QTime start = QTime(8, 0).addSecs(15 * 60 * random.bounded(24));
-        int length = 15 * random.bounded(9);
-        if (random.bounded(10) == 0)
+        int length = 15 * random.bounded(tall ? 1 : 0, 9);
+        if (!tall && random.bounded(10) == 0)
             length = -15 * random.bounded(1, 5);
         items.append(fixture.addItem(start, start.addSecs(60 * length)));
     }
