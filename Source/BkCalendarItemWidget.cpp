@@ -23,6 +23,8 @@
 #include <QPointer>
 #include <QStyle>
 #include <QStyleOptionGraphicsItem>
+#include <QTextBlock>
+#include <QTextLayout>
 
 #include <cmath>
 
@@ -472,6 +474,10 @@ void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, c
         mTextLayout->setDocumentMargin(0);
         mTextLayout->setRichText(mItem->text());
         mTextLayout->setTextWidth(area.width());
+        // A document's lines give their shaped glyphs away after each paint and shape them anew at
+        // the next; this one is kept for the next paint, so its glyphs are kept with it.
+        for (QTextBlock block = mTextLayout->firstBlock(); block.isValid(); block = block.next())
+            block.layout()->setCacheEnabled(true);
         mLaidOutText = mItem->text();
         mLaidOutFont = font;
         mLaidOutWidth = area.width();
@@ -566,20 +572,20 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
     const bool iconsFollowText = type == BkCalendarItem::Meeting ||
                                  (mItem->flags() & (BkCalendarItem::FlagMail | BkCalendarItem::FlagPhone));
     QRectF bounds(0, 0, 0, 0);
-    auto drawLine = [&](const QRectF& area, int flags, const QString& line) {
+    auto drawLine = [&](BkCalendarTextBlock& block, const QRectF& area, int flags, const QString& line) {
         if (textShows)
-            painter->drawText(area, flags, line, &bounds);
+            block.draw(painter, area, flags, line, &bounds);
         else if (iconsFollowText)
-            bounds = painter->boundingRect(area, flags, line);
+            bounds = block.measure(painter, area, flags, line);
     };
     if (settingValue("set_calshowtime") == 1 && type != BkCalendarItem::TextOnly) {
-        drawLine(r, Qt::AlignLeft, timeText);
+        drawLine(mTimeLine, r, Qt::AlignLeft, timeText);
         r.setTop(bounds.bottom());
     }
     if (type == BkCalendarItem::Meeting)
-        drawLine(r, Qt::AlignLeft, tr("Meeting"));
+        drawLine(mTitleLines, r, Qt::AlignLeft, tr("Meeting"));
     else if (type != BkCalendarItem::TextOnly)
-        drawLine(r, Qt::AlignLeft | Qt::TextWordWrap, mItem->title());
+        drawLine(mTitleLines, r, Qt::AlignLeft | Qt::TextWordWrap, mItem->title());
 
     if (mItem->locked != 0) {
         painter->drawPixmap(QPointF(int(r.x() + r.width() - 16), 1.0), QPixmap(":/widgets/lock.png"));

@@ -41,6 +41,13 @@ double ms(const QElapsedTimer& timer)
     return timer.nsecsElapsed() / 1e6;
 }
 
+// A repaint alone, for a profiler to find by name.
+Q_NEVER_INLINE void repaint(QGraphicsView* view, QImage& image)
+{
+    QPainter painter(&image);
+    view->render(&painter, QRectF(image.rect()), view->viewport()->rect());
+}
+
 // Where the pictures go when BENCH_VIEWS_PICTURES names a folder: a change that makes the calendar
 // faster must leave them byte for byte as they were.
 QString picturesFolder()
@@ -224,6 +231,9 @@ void weekView(BenchTable& table, int perDay, int overlapping, int days, int more
         timer.restart();
         paint(form.view(), form.image, name + QStringLiteral("-again"));
         again << ms(timer);
+        // A profiler run may ask for the repaint alone, many times over.
+        for (int extra = qEnvironmentVariableIntValue("BENCH_VIEWS_REPAINTS"); extra > 0; --extra)
+            repaint(form.view(), form.image);
         const double width = form.view()->getColumnList().first()->boundingRect().width();
         floors << floorOf(form.image.size(), days, perDay, 4, width);
     }

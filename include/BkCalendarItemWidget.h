@@ -1,6 +1,7 @@
 #ifndef BKCALENDARITEMWIDGET_H
 #define BKCALENDARITEMWIDGET_H
 
+#include "BkCalendarTextBlock.h"
 #include "FwCalendarGlobal.h"
 
 #include <QColor>
@@ -145,6 +146,9 @@ private:
     };
     Colours mColours;
 
+    // The time line and the title as laid out for the last paint.
+    BkCalendarTextBlock mTimeLine;
+    BkCalendarTextBlock mTitleLines;
     // The booking's text laid out for the last paint; laid out again only when text, font or width
     // differ, since laying out rich text is most of a box's paint.
     std::unique_ptr<FwTextDocument> mTextLayout;

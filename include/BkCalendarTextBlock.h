@@ -1,0 +1,50 @@
+#ifndef BKCALENDARTEXTBLOCK_H
+#define BKCALENDARTEXTBLOCK_H
+
+#include "FwCalendarGlobal.h"
+
+#include <QFont>
+#include <QRectF>
+#include <QString>
+
+#include <memory>
+
+class QPainter;
+class QTextLayout;
+
+// A line or paragraph of plain text that a booking box paints at every repaint, laid out once. It draws
+// exactly what QPainter::drawText(rect, flags, text, &bounds) draws, but keeps the shaped and broken
+// lines for the next paint, since shaping and line breaking are most of what drawText costs. They
+// depend only on the text, the painter's font, its resolution, the flags and, when the text wraps, the
+// width; the place may change from paint to paint.
+class FWCALENDAR_EXPORT BkCalendarTextBlock
+{
+public:
+    BkCalendarTextBlock();
+    ~BkCalendarTextBlock();
+
+    BkCalendarTextBlock(const BkCalendarTextBlock&) = delete;
+    BkCalendarTextBlock& operator=(const BkCalendarTextBlock&) = delete;
+
+    // As painter->drawText(rect, flags, text, bounds). Flags other than Qt::AlignLeft with or
+    // without Qt::TextWordWrap, and what else the lines cannot be kept for, go to drawText itself.
+    void draw(QPainter* painter, const QRectF& rect, int flags, const QString& text, QRectF* bounds);
+    // As painter->boundingRect(rect, flags, text): where the lines would stand, nothing drawn.
+    QRectF measure(QPainter* painter, const QRectF& rect, int flags, const QString& text);
+
+private:
+    bool prepare(QPainter* painter, const QRectF& rect, int flags, const QString& text);
+
+    std::unique_ptr<QTextLayout> mLayout;
+    QString mText;
+    QFont mFont;
+    int mFlags = 0;
+    double mLineWidth = 0.0;
+    Qt::LayoutDirection mDirection = Qt::LayoutDirectionAuto;
+    int mDpiX = 0;
+    int mDpiY = 0;
+    double mWidth = 0.0;
+    double mHeight = 0.0;
+};
+
+#endif // BKCALENDARTEXTBLOCK_H
