@@ -494,8 +494,6 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
 
     const QRectF shadow(mRect.x() + 4, mRect.y() + 6, mRect.width() - 5, mRect.height() - 7);
     QRectF r(mRect.x(), mRect.y() + 2, mRect.width() - 5, mRect.height() - 7);
-    const QString timeText =
-        tr("%1 - %2").arg(mItem->start().toString("h:mm"), mItem->end().toString("h:mm"));
     const int type = int(mItem->type());
 
     if (type == BkCalendarItem::Reserved) {
@@ -579,7 +577,8 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
             bounds = block.measure(painter, area, flags, line);
     };
     if (settingValue("set_calshowtime") == 1 && type != BkCalendarItem::TextOnly) {
-        drawLine(mTimeLine, r, Qt::AlignLeft, timeText);
+        drawLine(mTimeLine, r, Qt::AlignLeft,
+                 tr("%1 - %2").arg(mItem->start().toString("h:mm"), mItem->end().toString("h:mm")));
         r.setTop(bounds.bottom());
     }
     if (type == BkCalendarItem::Meeting)
