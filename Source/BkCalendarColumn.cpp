@@ -74,17 +74,8 @@ bool sameBox(const LayoutBox& a, const LayoutBox& b)
     return a.top == b.top && a.bottom == b.bottom && a.hasItem == b.hasItem && a.id == b.id;
 }
 
-// The sub-column of every box at once, with the results that a cluster search per box
-// (BkCalendarItemWidget::intersectList) and the rank by top edge give, in O(n log n).
-//
-// A box with a positive height ("normal") joins the boxes whose spans it overlaps strictly, so the
-// normal boxes fall into runs that a sweep over their tops finds. A box of zero or negative height
-// belongs to the run whose whole span holds it strictly; it sees that run as its own cluster only
-// when one single normal box holds it, since its own cluster search starts from its own span.
-void computeLayout(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts);
-
-// The same for the common column in which every box has a height: its runs are stretches of the boxes
-// sorted by top, and nothing needs to be kept per run. False when some box has no height.
+// The layout below for the common column in which every box has a height: its runs are stretches of
+// the boxes sorted by top, and nothing needs to be kept per run. False when some box has no height.
 bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts)
 {
     const int n = boxes.size();
@@ -140,6 +131,13 @@ bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& ind
     return true;
 }
 
+// The sub-column of every box at once, with the results that a cluster search per box
+// (BkCalendarItemWidget::intersectList) and the rank by top edge give, in O(n log n).
+//
+// A box with a positive height ("normal") joins the boxes whose spans it overlaps strictly, so the
+// normal boxes fall into runs that a sweep over their tops finds. A box of zero or negative height
+// belongs to the run whose whole span holds it strictly; it sees that run as its own cluster only
+// when one single normal box holds it, since its own cluster search starts from its own span.
 void computeLayout(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts)
 {
     if (computeLayoutOfTallBoxes(boxes, indexes, counts))
