@@ -35,6 +35,12 @@ int minutesBetween(const QTime& a, const QTime& b)
     return a.secsTo(b) / 60;
 }
 
+// QColor compares colours of extended range only roughly; those always count as changed.
+bool sameColour(const QColor& a, const QColor& b)
+{
+    return a == b && a.spec() != QColor::ExtendedRgb;
+}
+
 int settingValue(const char* key)
 {
     return FwApplication::app() ? FwApplication::app()->getValue(QString::fromLatin1(key), "").toInt() : 0;
@@ -111,9 +117,10 @@ void BkCalendarItemWidget::updateInfo()
     const bool selectedFromScheme = mScheme != nullptr;
     const QColor selectedTop = mScheme ? mScheme->selectedHeader : QColor();
     const QColor selectedBottom = mScheme ? mScheme->selectedHeaderGradient : QColor();
-    if (!mColours.valid || mColours.fillTop != fillTop || mColours.fillBottom != fillBottom ||
-        mColours.selectedFromScheme != selectedFromScheme || mColours.selectedTop != selectedTop ||
-        mColours.selectedBottom != selectedBottom) {
+    if (!mColours.valid || !sameColour(mColours.fillTop, fillTop) ||
+        !sameColour(mColours.fillBottom, fillBottom) || mColours.selectedFromScheme != selectedFromScheme ||
+        !sameColour(mColours.selectedTop, selectedTop) ||
+        !sameColour(mColours.selectedBottom, selectedBottom)) {
         mGradient = QLinearGradient(0, 0, 0, 100);
         mGradient.setColorAt(0.0, fillTop);
         mGradient.setColorAt(1.0, fillBottom);
@@ -134,7 +141,7 @@ void BkCalendarItemWidget::updateInfo()
     // The outline follows the booking's own colour even when a status colour fills the box. A value
     // below 10 stays at 0, so that a very dark colour still gives a valid, black outline.
     const QColor& bottom = mItem->bottomColor;
-    if (!mColours.valid || mColours.outlineFrom != bottom) {
+    if (!mColours.valid || !sameColour(mColours.outlineFrom, bottom)) {
         int hue = 0;
         int saturation = 0;
         int value = 0;
