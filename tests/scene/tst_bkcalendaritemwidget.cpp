@@ -30,6 +30,7 @@ private slots:
     void shouldKeepOwnColoursForUnknownOrNullStatus();
     void shouldCopyGradientForSelectionWithoutScheme();
     void shouldDeriveBorderFromBottomColour();
+    void shouldTakeNewColoursAtTheNextRefresh();
     void shouldIgnoreChangesOfOtherBookings();
     void shouldForgetBookingWhenRemovedAndRefuseEveryChange();
     void shouldIgnoreRemovalOfOtherBooking();
@@ -228,6 +229,50 @@ void tst_BkCalendarItemWidget::shouldDeriveBorderFromBottomColour()
     widget.widthChanged(105.0);
     QVERIFY(widget.border().isValid());
     QCOMPARE(widget.border().value(), 0);
+}
+
+// A box works its colours out again only when what they come from changes; every source counts.
+void tst_BkCalendarItemWidget::shouldTakeNewColoursAtTheNextRefresh()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem item;
+    item.topColor = Qt::yellow;
+    item.bottomColor = Qt::blue;
+    item.setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItemWidget widget(&item, fixture.scale, nullptr);
+    widget.setColorScheme(&fixture.scheme);
+    widget.itemChanged(&item);
+    QCOMPARE(widget.gradient().stops().at(0).second, QColor(Qt::yellow));
+
+    item.topColor = Qt::cyan;
+    widget.itemChanged(&item);
+    QCOMPARE(widget.gradient().stops().at(0).second, QColor(Qt::cyan));
+
+    // The status table is edited under a status the booking keeps.
+    BkCalendarStatusEntry entry;
+    entry.color = Qt::red;
+    fixture.scheme.statusColors.insert(5, entry);
+    item.statusId = 5;
+    widget.itemChanged(&item);
+    QCOMPARE(widget.gradient().stops().at(1).second, QColor(Qt::red).darker(150));
+    fixture.scheme.statusColors[5].color = Qt::green;
+    widget.itemChanged(&item);
+    QCOMPARE(widget.gradient().stops().at(0).second, QColor(Qt::green));
+
+    fixture.scheme.selectedHeader = Qt::magenta;
+    widget.itemChanged(&item);
+    QCOMPARE(widget.selectedGradient().stops().at(0).second, QColor(Qt::magenta));
+
+    // Without a scheme the selection shows the booking's own gradient again.
+    item.statusId = QVariant();
+    widget.setColorScheme(nullptr);
+    widget.itemChanged(&item);
+    QCOMPARE(widget.selectedGradient().stops(), widget.gradient().stops());
+    QCOMPARE(widget.gradient().stops().at(0).second, QColor(Qt::cyan));
+
+    item.bottomColor = QColor::fromHsv(100, 100, 100);
+    widget.itemChanged(&item);
+    QCOMPARE(widget.border(), QColor::fromHsv(100, 100, 90, 255));
 }
 
 void tst_BkCalendarItemWidget::shouldIgnoreChangesOfOtherBookings()
