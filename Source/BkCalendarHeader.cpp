@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QBrush>
 #include <QCursor>
+#include <QFile>
 #include <QFont>
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneMouseEvent>
@@ -34,6 +35,9 @@ QImage picture(const QString& path)
     const auto known = decoded.constFind(path);
     if (known != decoded.constEnd())
         return *known;
+    // Asking whether the file is there is cheap; trying to read a missing one is not.
+    if (!QFile::exists(path))
+        return QImage();
     const QImage image(path);
     if (!image.isNull())
         decoded.insert(path, image);
