@@ -3,6 +3,8 @@
 #include <QSet>
 #include <QTimer>
 
+#include <limits>
+
 namespace {
 
 // Bookings, plans and keys travel through queued connections and QVariant in the views and the host.
@@ -51,7 +53,9 @@ bool BkCalendarModel::addItem(BkCalendarItem* item)
     if (!item->id.isNull())
         mIdHash[item->id.toInt()] = item;
     item->mStorePosition = mAllItems.size();
-    ++item->mStoreCount;
+    // At its top the count sticks, and taking the booking out walks the list.
+    if (item->mStoreCount < std::numeric_limits<quint16>::max())
+        ++item->mStoreCount;
     mAllItems.append(item);
     item->model = this;
     emit itemAdded(item);
@@ -107,7 +111,8 @@ void BkCalendarModel::dropFromAllItems(BkCalendarItem* item)
             if (mAllItems.at(i) == item) {
                 mAllItems[i] = nullptr;
                 ++mAllItemsHoles;
-                item->mStoreCount = qMax(0, item->mStoreCount - 1);
+                if (item->mStoreCount > 0 && item->mStoreCount < std::numeric_limits<quint16>::max())
+                    --item->mStoreCount;
             }
     }
     if (mAllItemsHoles > 64 && mAllItemsHoles * 2 > mAllItems.size()) {
