@@ -256,15 +256,19 @@ void BkCalendarItem::writeKey(Key key, const QVariant& value, const QDate& date)
 // under the old value and files it again under the new one, with the same pointer.
 void BkCalendarItem::changeKey(Key key, const QVariant& value, const QDate& date, bool silent)
 {
-    // The rollback value keeps its own record while it differs from the present one.
-    SavedValues& saved = savedValues();
-    if (!model || !model->isInvalid(this)) {
-        if (key == Key::Date)
-            saved.date = date;
-        else if (key == Key::User)
-            saved.userId = value;
-        else
-            saved.resourceId = value;
+    // The rollback value keeps its own record while it differs from the present one: on the unsaved
+    // list, and during a move that slots see, where it takes the new value before the booking does.
+    const bool takesNewValue = !model || !model->isInvalid(this);
+    if (!takesNewValue || mSaved || (model && !silent)) {
+        SavedValues& saved = savedValues();
+        if (takesNewValue) {
+            if (key == Key::Date)
+                saved.date = date;
+            else if (key == Key::User)
+                saved.userId = value;
+            else
+                saved.resourceId = value;
+        }
     }
     if (!model) {
         writeKey(key, value, date);
@@ -313,12 +317,15 @@ void BkCalendarItem::setKeys(const QDate& date, const QVariant& userId, const QV
 {
     if (date == mDate && resourceId == mResourceId.value() && userId == mUserId.value())
         return;
-    // Without a model the rollback values stay as they are; so they do on the unsaved list.
-    SavedValues& saved = savedValues();
-    if (model && !model->isInvalid(this)) {
-        saved.date = date;
-        saved.resourceId = resourceId;
-        saved.userId = userId;
+    // Without a model the rollback values stay as they are; so they do on the unsaved list. The move
+    // is silent, so nothing sees the rollback values before the booking has its new ones.
+    if (!model || model->isInvalid(this) || mSaved) {
+        SavedValues& saved = savedValues();
+        if (model && !model->isInvalid(this)) {
+            saved.date = date;
+            saved.resourceId = resourceId;
+            saved.userId = userId;
+        }
     }
     if (!model) {
         mDate = date;
