@@ -1,5 +1,7 @@
 #include "BkCalendarModel.h"
 
+#include "BkCalendarItemFile.h"
+
 #include <QSet>
 #include <QTimer>
 
@@ -23,6 +25,8 @@ Q_CONSTRUCTOR_FUNCTION(registerCalendarMetaTypes)
 
 BkCalendarModel::BkCalendarModel(QObject* parent)
     : QObject(parent)
+    , mUserItems(new BkCalendarItemFile)
+    , mResourceItems(new BkCalendarItemFile)
     , mCommitTimer(new QTimer(this))
 {
     registerCalendarMetaTypes();
@@ -46,10 +50,12 @@ bool BkCalendarModel::addItem(BkCalendarItem* item)
         item->setToolTipsEnabled(mToolTipsEnabled);
     if (!item->id.isNull() && mIdHash.contains(item->id.toInt()))
         return false;
-    if (!item->resourceId().isNull())
-        mResourceItems[item->date()][item->resourceId()].append(item);
-    if (!item->userId().isNull())
-        mUserItems[item->date()][item->userId()].append(item);
+    const QVariant resourceId = item->resourceId();
+    if (!resourceId.isNull())
+        mResourceItems->add(item->date(), resourceId, item);
+    const QVariant userId = item->userId();
+    if (!userId.isNull())
+        mUserItems->add(item->date(), userId, item);
     if (!item->id.isNull())
         mIdHash[item->id.toInt()] = item;
     item->mStorePosition = mAllItems.size();
@@ -75,19 +81,8 @@ void BkCalendarModel::addItem(const BkCalendarPlanInfo& info)
 
 void BkCalendarModel::removeItem(BkCalendarItem* item)
 {
-    // Only look: a removal must not create empty entries for keys that were never filed.
-    auto users = mUserItems.find(item->date());
-    if (users != mUserItems.end()) {
-        auto list = users->find(item->userId());
-        if (list != users->end())
-            list->removeAll(item);
-    }
-    auto resources = mResourceItems.find(item->date());
-    if (resources != mResourceItems.end()) {
-        auto list = resources->find(item->resourceId());
-        if (list != resources->end())
-            list->removeAll(item);
-    }
+    mUserItems->remove(item->date(), item->userId(), item);
+    mResourceItems->remove(item->date(), item->resourceId(), item);
     dropFromInvalidItems(item);
     dropFromAllItems(item);
     item->model = nullptr;
@@ -169,11 +164,17 @@ QList<BkCalendarItem*> BkCalendarModel::items(const QDate& date, const BkCalenda
     if (resource.id.isNull())
         return {};
     checkDate(resource, date);
-    const auto& store = resource.type == 0 ? mUserItems : mResourceItems;
-    const auto day = store.constFind(date);
-    if (day == store.constEnd())
-        return {};
-    return day->value(resource.id);
+    return (resource.type == 0 ? mUserItems : mResourceItems)->items(date, resource.id);
+}
+
+const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& BkCalendarModel::userItems() const
+{
+    return mUserItems->days();
+}
+
+const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& BkCalendarModel::resourceItems() const
+{
+    return mResourceItems->days();
 }
 
 QList<BkCalendarPlan*> BkCalendarModel::plans(const QDate& date, const BkCalendarResource& resource)
@@ -274,8 +275,8 @@ void BkCalendarModel::clear()
         }
     }
     mPlanStore.clear();
-    mUserItems.clear();
-    mResourceItems.clear();
+    mUserItems->clear();
+    mResourceItems->clear();
     mAllItems.clear();
     mAllItemsHoles = 0;
     mLoadedRanges.clear();

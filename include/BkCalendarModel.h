@@ -15,6 +15,9 @@
 #include <QVariant>
 #include <QVector>
 
+#include <memory>
+
+class BkCalendarItemFile;
 class QTimer;
 
 // The one store of bookings and plans behind a calendar form. The host fills it in answer to
@@ -55,11 +58,8 @@ public:
     {
         return mPlanStore;
     }
-    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& userItems() const { return mUserItems; }
-    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& resourceItems() const
-    {
-        return mResourceItems;
-    }
+    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& userItems() const;
+    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& resourceItems() const;
     const QMap<BkCalendarResource, QPair<QDate, QDate>>& loadedRanges() const { return mLoadedRanges; }
     const QMap<QVariant, BkCalendarPlanInfo>& planInfos() const { return mPlanInfos; }
     const QHash<int, BkCalendarItem*>& idHash() const { return mIdHash; }
@@ -88,8 +88,9 @@ private:
     void dropFromInvalidItems(BkCalendarItem* item);
 
     QMap<QDate, QMap<BkCalendarResource, QList<BkCalendarPlan*>>> mPlanStore;
-    QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>> mUserItems;
-    QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>> mResourceItems;
+    // Bookings by date and user, and by date and resource.
+    std::unique_ptr<BkCalendarItemFile> mUserItems;
+    std::unique_ptr<BkCalendarItemFile> mResourceItems;
     QMap<BkCalendarResource, QPair<QDate, QDate>> mLoadedRanges;
     QMap<QVariant, BkCalendarPlanInfo> mPlanInfos;
     QHash<int, BkCalendarItem*> mIdHash;
