@@ -1,5 +1,6 @@
 #include "BkCalendarModel.h"
 
+#include "BkCalendarIdTable.h"
 #include "BkCalendarItemFile.h"
 
 #include <QSet>
@@ -27,6 +28,7 @@ BkCalendarModel::BkCalendarModel(QObject* parent)
     : QObject(parent)
     , mUserItems(new BkCalendarItemFile)
     , mResourceItems(new BkCalendarItemFile)
+    , mIdHash(new BkCalendarIdTable)
     , mCommitTimer(new QTimer(this))
 {
     registerCalendarMetaTypes();
@@ -48,7 +50,7 @@ bool BkCalendarModel::addItem(BkCalendarItem* item)
 {
     if (item)
         item->setToolTipsEnabled(mToolTipsEnabled);
-    if (!item->id.isNull() && mIdHash.contains(item->id.toInt()))
+    if (!item->id.isNull() && mIdHash->contains(item->id.toInt()))
         return false;
     const QVariant resourceId = item->resourceId();
     if (!resourceId.isNull())
@@ -57,7 +59,7 @@ bool BkCalendarModel::addItem(BkCalendarItem* item)
     if (!userId.isNull())
         mUserItems->add(item->date(), userId, item);
     if (!item->id.isNull())
-        mIdHash[item->id.toInt()] = item;
+        mIdHash->insert(item->id.toInt(), item);
     item->mStorePosition = mAllItems.size();
     // At its top the count sticks, and taking the booking out walks the list.
     if (item->mStoreCount < std::numeric_limits<quint16>::max())
@@ -87,7 +89,7 @@ void BkCalendarModel::removeItem(BkCalendarItem* item)
     dropFromAllItems(item);
     item->model = nullptr;
     if (!item->id.isNull())
-        mIdHash.remove(item->id.toInt());
+        mIdHash->remove(item->id.toInt());
     emit itemRemoved(item);
 }
 
@@ -167,6 +169,11 @@ QList<BkCalendarItem*> BkCalendarModel::items(const QDate& date, const BkCalenda
     return (resource.type == 0 ? mUserItems : mResourceItems)->items(date, resource.id);
 }
 
+const QHash<int, BkCalendarItem*>& BkCalendarModel::idHash() const
+{
+    return mIdHash->hash();
+}
+
 const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& BkCalendarModel::userItems() const
 {
     return mUserItems->days();
@@ -193,14 +200,14 @@ BkCalendarPlanInfo BkCalendarModel::planInfo(const QVariant& id) const
 
 bool BkCalendarModel::containsItem(const QVariant& id) const
 {
-    return mIdHash.contains(id.toInt());
+    return mIdHash->contains(id.toInt());
 }
 
 BkCalendarItem* BkCalendarModel::findId(const QVariant& id) const
 {
     if (id.isNull())
         return nullptr;
-    return mIdHash.value(id.toInt(), nullptr);
+    return mIdHash->value(id.toInt());
 }
 
 bool BkCalendarModel::isInvalid(BkCalendarItem* item) const
@@ -243,15 +250,14 @@ void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate&
 
 void BkCalendarModel::setToolTipsEnabled(bool enabled)
 {
-    for (BkCalendarItem* item : qAsConst(mIdHash))
-        item->setToolTipsEnabled(enabled);
+    mIdHash->forEach([enabled](BkCalendarItem* item) { item->setToolTipsEnabled(enabled); });
     mToolTipsEnabled = enabled;
 }
 
 void BkCalendarModel::clear()
 {
     emit reset();
-    mIdHash.clear();
+    mIdHash->clear();
     // An item without an id, or a plan, that was added twice stands twice in the store: it is
     // deleted at its first place from the end, and passed over at the second.
     QSet<BkCalendarItem*> deletedItems;
@@ -326,7 +332,7 @@ void BkCalendarModel::itemInvalid(BkCalendarItem* item, bool addToList)
     }
     // A host that wrote the id after adding the booking has it found by id from now on.
     if (!item->id.isNull())
-        mIdHash[item->id.toInt()] = item;
+        mIdHash->insert(item->id.toInt(), item);
     emit itemChanged(item);
 }
 

@@ -17,6 +17,7 @@
 
 #include <memory>
 
+class BkCalendarIdTable;
 class BkCalendarItemFile;
 class QTimer;
 
@@ -62,7 +63,7 @@ public:
     const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& resourceItems() const;
     const QMap<BkCalendarResource, QPair<QDate, QDate>>& loadedRanges() const { return mLoadedRanges; }
     const QMap<QVariant, BkCalendarPlanInfo>& planInfos() const { return mPlanInfos; }
-    const QHash<int, BkCalendarItem*>& idHash() const { return mIdHash; }
+    const QHash<int, BkCalendarItem*>& idHash() const;
     // Every booking in the order of adding (a booking that moved was added again).
     QList<BkCalendarItem*> allItems() const;
     const QList<BkCalendarItem*>& invalidItems() const { return mInvalidItems; }
@@ -93,7 +94,8 @@ private:
     std::unique_ptr<BkCalendarItemFile> mResourceItems;
     QMap<BkCalendarResource, QPair<QDate, QDate>> mLoadedRanges;
     QMap<QVariant, BkCalendarPlanInfo> mPlanInfos;
-    QHash<int, BkCalendarItem*> mIdHash;
+    // Bookings that have an id, by id.toInt().
+    std::unique_ptr<BkCalendarIdTable> mIdHash;
     // In the order of adding. A removed booking leaves a null hole, so that removing costs the same at
     // any size; the holes are closed up once they are as many as the bookings.
     QVector<BkCalendarItem*> mAllItems;

@@ -1,10 +1,11 @@
-// The store's lookups by day and key answer exactly as its maps do, through
+// The store's lookups by day and key and by id answer exactly as its maps do, through
 // every change of the store: keys seen for the first time, removals, moves, copies that a caller
 // holds of the maps, and clear().
 
 #include "BkCalendarItem.h"
 #include "BkCalendarModel.h"
 
+#include <QHash>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QtTest>
@@ -69,6 +70,9 @@ private slots:
     void shouldFindBookingsWithoutValidDate();
     void shouldFollowItsOwnMapsWhileCallerHoldsCopies();
     void shouldForgetEveryListOnClear();
+    void shouldFindByIdThroughRandomAddsAndRemovals();
+    void shouldKeepIdHashReaderInStepOnceAskedFor();
+    void shouldFindBookingUnderOldAndNewIdAfterHostWroteIt();
 };
 
 void TestBkCalendarStore::shouldAnswerAsItsMapsThroughRandomChanges()
@@ -313,6 +317,91 @@ void TestBkCalendarStore::shouldForgetEveryListOnClear()
     QCOMPARE(model.items(Day, user(1)), QList<BkCalendarItem*>{fresh});
     QCOMPARE(model.items(Day, resource(1)), QList<BkCalendarItem*>{fresh});
     QVERIFY(model.items(Day.addDays(1), user(1)).isEmpty());
+}
+
+void TestBkCalendarStore::shouldFindByIdThroughRandomAddsAndRemovals()
+{
+    BkCalendarModel model;
+    QHash<int, BkCalendarItem*> expected;
+    QRandomGenerator random(11);
+    // Ids that share their low bits, negative ones and zero crowd the same places of a table.
+    auto randomId = [&random]() {
+        const int kind = int(random.bounded(3));
+        const int number = int(random.bounded(400));
+        return kind == 0 ? number : kind == 1 ? number * 4096 : -number;
+    };
+    for (int step = 0; step < 6000; ++step) {
+        const int id = randomId();
+        if (random.bounded(3) < 2) {
+            auto* item = makeItem(id, QVariant(), QVariant());
+            const bool added = model.addItem(item);
+            QCOMPARE(added, !expected.contains(id));
+            if (added)
+                expected.insert(id, item);
+            else
+                delete item;
+        } else if (BkCalendarItem* item = expected.take(id)) {
+            model.removeItem(item);
+            delete item;
+        }
+        if (step % 200 == 0) {
+            for (int probe = -400; probe < 400; ++probe) {
+                QCOMPARE(model.findId(probe), expected.value(probe));
+                QCOMPARE(model.findId(probe * 4096), expected.value(probe * 4096));
+                QCOMPARE(model.containsItem(probe), expected.contains(probe));
+            }
+        }
+    }
+    QCOMPARE(model.idHash(), expected);
+}
+
+void TestBkCalendarStore::shouldKeepIdHashReaderInStepOnceAskedFor()
+{
+    BkCalendarModel model;
+    auto* ann = makeItem(1, 1, QVariant());
+    model.addItem(ann);
+    const QHash<int, BkCalendarItem*>& hash = model.idHash();
+    QCOMPARE(hash, (QHash<int, BkCalendarItem*>{{1, ann}}));
+
+    auto* bob = makeItem(2, 1, QVariant());
+    model.addItem(bob);
+    QCOMPARE(hash, (QHash<int, BkCalendarItem*>{{1, ann}, {2, bob}}));
+    model.removeItem(ann);
+    QCOMPARE(hash, (QHash<int, BkCalendarItem*>{{2, bob}}));
+    delete ann;
+    bob->id = 20;
+    bob->setTitle(QStringLiteral("Saved"));
+    QCOMPARE(hash, (QHash<int, BkCalendarItem*>{{2, bob}, {20, bob}}));
+    model.clear();
+    QVERIFY(hash.isEmpty());
+    QVERIFY(model.idHash().isEmpty());
+    auto* cid = makeItem(3, 1, QVariant());
+    model.addItem(cid);
+    QCOMPARE(hash, (QHash<int, BkCalendarItem*>{{3, cid}}));
+}
+
+void TestBkCalendarStore::shouldFindBookingUnderOldAndNewIdAfterHostWroteIt()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(QVariant(), 1, QVariant());
+    model.addItem(item);
+    QVERIFY(!model.containsItem(7));
+    item->id = 7;
+    QVERIFY(!model.findId(7));
+    item->setTitle(QStringLiteral("Saved"));
+    QCOMPARE(model.findId(7), item);
+    item->id = 8;
+    item->setTitle(QStringLiteral("Saved again"));
+    QCOMPARE(model.findId(7), item);
+    QCOMPARE(model.findId(8), item);
+    // Removal takes the present id only.
+    model.removeItem(item);
+    QCOMPARE(model.findId(7), item);
+    QVERIFY(!model.findId(8));
+    // What stands under the old id goes with clear(), not the booking, which the caller owns now.
+    model.clear();
+    QVERIFY(!model.findId(7));
+    delete item;
 }
 
 QTEST_GUILESS_MAIN(TestBkCalendarStore)
