@@ -215,10 +215,16 @@ bool BkCalendarModel::isInvalid(BkCalendarItem* item) const
     return mInvalidSet.contains(item);
 }
 
+quint64 BkCalendarModel::rangeKey(const BkCalendarResource& resource)
+{
+    return (quint64(quint32(resource.type)) << 32) | quint32(resource.id.toInt());
+}
+
 bool BkCalendarModel::loaded(const BkCalendarResource& resource, const QDate& date)
 {
     // Asking creates the key with an empty range; checkDate then widens it from there.
-    const QPair<QDate, QDate>& range = mLoadedRanges[resource];
+    const QPair<QDate, QDate> range = mLoadedRanges[resource];
+    mRangeIndex.insert(rangeKey(resource), range);
     return date.toJulianDay() >= range.first.toJulianDay() &&
            date.toJulianDay() <= range.second.toJulianDay();
 }
@@ -227,11 +233,13 @@ void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate&
 {
     // One contiguous range per key, widened by 8 days round the date asked for; the range is stored
     // before the request goes out, so a nested read from a slot of loadData finds it updated.
-    auto range = mLoadedRanges.find(resource);
-    if (range == mLoadedRanges.end()) {
+    const quint64 key = rangeKey(resource);
+    const auto range = mRangeIndex.constFind(key);
+    if (range == mRangeIndex.constEnd()) {
         const QDate first = date.addDays(-8);
         const QDate last = date.addDays(8);
         mLoadedRanges.insert(resource, qMakePair(first, last));
+        mRangeIndex.insert(key, qMakePair(first, last));
         emit loadData(first, last, resource);
         return;
     }
@@ -239,11 +247,13 @@ void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate&
     const QDate oldLast = range->second;
     if (date.toJulianDay() > oldLast.toJulianDay()) {
         const QDate last = date.addDays(8);
-        range->second = last;
+        mLoadedRanges.find(resource)->second = last;
+        mRangeIndex[key].second = last;
         emit loadData(oldLast.addDays(1), last, resource);
     } else if (date.toJulianDay() < oldFirst.toJulianDay()) {
         const QDate first = date.addDays(-8);
-        range->first = first;
+        mLoadedRanges.find(resource)->first = first;
+        mRangeIndex[key].first = first;
         emit loadData(first, oldFirst.addDays(-1), resource);
     }
 }
@@ -286,6 +296,7 @@ void BkCalendarModel::clear()
     mAllItems.clear();
     mAllItemsHoles = 0;
     mLoadedRanges.clear();
+    mRangeIndex.clear();
 }
 
 void BkCalendarModel::commit()

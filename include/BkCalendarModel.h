@@ -85,6 +85,7 @@ signals:
     void saveItems(const QList<BkCalendarItem*>& items);
 
 private:
+    static quint64 rangeKey(const BkCalendarResource& resource);
     void dropFromAllItems(BkCalendarItem* item);
     void dropFromInvalidItems(BkCalendarItem* item);
 
@@ -93,6 +94,9 @@ private:
     std::unique_ptr<BkCalendarItemFile> mUserItems;
     std::unique_ptr<BkCalendarItemFile> mResourceItems;
     QMap<BkCalendarResource, QPair<QDate, QDate>> mLoadedRanges;
+    // The same ranges by type and id read as an integer, the map's own notion of one key: a hash
+    // lookup in place of the map's comparisons, which read the ids anew at every step.
+    QHash<quint64, QPair<QDate, QDate>> mRangeIndex;
     QMap<QVariant, BkCalendarPlanInfo> mPlanInfos;
     // Bookings that have an id, by id.toInt().
     std::unique_ptr<BkCalendarIdTable> mIdHash;

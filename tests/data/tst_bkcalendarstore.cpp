@@ -1,4 +1,4 @@
-// The store's lookups by day and key and by id answer exactly as its maps do, through
+// The store's lookups by day and key, by id and by loaded range answer exactly as its maps do, through
 // every change of the store: keys seen for the first time, removals, moves, copies that a caller
 // holds of the maps, and clear().
 
@@ -73,6 +73,9 @@ private slots:
     void shouldFindByIdThroughRandomAddsAndRemovals();
     void shouldKeepIdHashReaderInStepOnceAskedFor();
     void shouldFindBookingUnderOldAndNewIdAfterHostWroteIt();
+    void shouldTakeIdsWithSameIntegerForOneLoadedRange();
+    void shouldForgetLoadedRangesOnClear();
+    void shouldWidenRangeCreatedByLoaded();
 };
 
 void TestBkCalendarStore::shouldAnswerAsItsMapsThroughRandomChanges()
@@ -402,6 +405,55 @@ void TestBkCalendarStore::shouldFindBookingUnderOldAndNewIdAfterHostWroteIt()
     model.clear();
     QVERIFY(!model.findId(7));
     delete item;
+}
+
+void TestBkCalendarStore::shouldTakeIdsWithSameIntegerForOneLoadedRange()
+{
+    BkCalendarModel model;
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+    model.items(Day, user(7));
+    model.items(Day, user(qlonglong(7)));
+    model.items(Day, user(QStringLiteral("7")));
+    QCOMPARE(loads.count(), 1);
+    // Same id, other type: a key of its own.
+    model.items(Day, resource(7));
+    QCOMPARE(loads.count(), 2);
+    // An id that is no number reads as 0, as for the map.
+    model.plans(Day, user(QStringLiteral("desk")));
+    model.plans(Day, user(0));
+    QCOMPARE(loads.count(), 3);
+    model.items(Day.addDays(9), user(QStringLiteral("7")));
+    QCOMPARE(loads.count(), 4);
+    QCOMPARE(model.loadedRanges().value(user(7)), qMakePair(Day.addDays(-8), Day.addDays(17)));
+    model.items(Day.addDays(-9), user(7));
+    QCOMPARE(loads.count(), 5);
+    QCOMPARE(model.loadedRanges().value(user(7)), qMakePair(Day.addDays(-17), Day.addDays(17)));
+    QCOMPARE(model.loadedRanges().size(), 3);
+}
+
+void TestBkCalendarStore::shouldForgetLoadedRangesOnClear()
+{
+    BkCalendarModel model;
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+    model.items(Day, user(7));
+    model.clear();
+    model.items(Day, user(7));
+    QCOMPARE(loads.count(), 2);
+    model.items(Day.addDays(8), user(7));
+    QCOMPARE(loads.count(), 2);
+}
+
+void TestBkCalendarStore::shouldWidenRangeCreatedByLoaded()
+{
+    BkCalendarModel model;
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+    QVERIFY(!model.loaded(user(7), Day));
+    model.items(Day, user(qlonglong(7)));
+    QCOMPARE(loads.count(), 1);
+    QVERIFY(!loads.at(0).at(0).toDate().isValid());
+    QCOMPARE(loads.at(0).at(1).toDate(), Day.addDays(8));
+    model.items(Day.addDays(-100), user(7));
+    QCOMPARE(loads.count(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestBkCalendarStore)
