@@ -163,6 +163,10 @@ void BkCalendarItemFile::remove(const QDate& date, const QVariant& key, BkCalend
         if (found == lists->end())
             return;
         list = &found.value();
+        // A key of another kind may have found a list of a number key: its entry follows too.
+        entry = noteList(date, found.key(), list, false);
+        if (entry)
+            entry->copy = List();
     }
     list->removeAll(item);
     if (entry)

@@ -67,6 +67,7 @@ private slots:
     void shouldFindListsOfKeyWithDaysFarApart();
     void shouldTakeIntAndLongLongIdsForOneKey();
     void shouldAnswerAsItsMapsOnceAnotherKindOfKeyIsFiled();
+    void shouldFollowListOfNumberKeyChangedThroughEqualKeyOfAnotherKind();
     void shouldFindBookingsWithoutValidDate();
     void shouldFollowItsOwnMapsWhileCallerHoldsCopies();
     void shouldForgetEveryListOnClear();
@@ -247,6 +248,29 @@ void TestBkCalendarStore::shouldAnswerAsItsMapsOnceAnotherKindOfKeyIsFiled()
     auto* again = makeItem(5, 3, QVariant());
     model.addItem(again);
     QCOMPARE(model.items(Day, user(qlonglong(3))), QList<BkCalendarItem*>{again});
+}
+
+void TestBkCalendarStore::shouldFollowListOfNumberKeyChangedThroughEqualKeyOfAnotherKind()
+{
+    BkCalendarModel model;
+    auto* byNumber = makeItem(1, 5, 5);
+    model.addItem(byNumber);
+    // The map files a whole real under the integer key it equals.
+    auto* byReal = makeItem(2, 5.0, 5.0);
+    model.addItem(byReal);
+    QCOMPARE(model.userItems().value(Day).size(), 1);
+    QCOMPARE(model.items(Day, user(5)), (QList<BkCalendarItem*>{byNumber, byReal}));
+
+    model.removeItem(byReal);
+    QCOMPARE(model.items(Day, user(5)), QList<BkCalendarItem*>{byNumber});
+    QCOMPARE(model.items(Day, resource(qlonglong(5))), QList<BkCalendarItem*>{byNumber});
+    QCOMPARE(model.items(Day, user(5)), inMap(model.userItems(), Day, 5));
+    delete byReal;
+
+    byNumber->setUserId(5.0);
+    byNumber->setDate(Day.addDays(1), true);
+    QVERIFY(model.items(Day, user(5)).isEmpty());
+    QCOMPARE(model.items(Day.addDays(1), user(5)), QList<BkCalendarItem*>{byNumber});
 }
 
 void TestBkCalendarStore::shouldFindBookingsWithoutValidDate()
