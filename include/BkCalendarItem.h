@@ -143,7 +143,6 @@ private:
     void notify();
     SavedValues& savedValues();
     void dropSavedIfSame();
-    void setSavedKeys(const QDate& date, const QVariant& userId, const QVariant& resourceId);
     enum class Key
     {
         Date,
