@@ -5,6 +5,67 @@
 
 #include <QTextDocument>
 
+BkCalendarItem::CompactId::~CompactId()
+{
+    if ((mBits & TagMask) == Heap)
+        delete reinterpret_cast<QVariant*>(mBits);
+}
+
+bool BkCalendarItem::CompactId::packInline(const QVariant& value, quintptr* bits)
+{
+    // Only a plain null id: QVariant(QVariant::Int) is null too but keeps its type, so it goes on the
+    // heap. Two bits go to the tag, so a number needs a 64-bit word, and a long long its top bits free.
+    if (value.userType() == QMetaType::UnknownType) {
+        *bits = 0;
+        return true;
+    }
+    if (sizeof(quintptr) < 8 || value.isNull())
+        return false;
+    if (value.userType() == QMetaType::Int) {
+        *bits = (quintptr(quint32(value.toInt())) << 2) | Int;
+        return true;
+    }
+    if (value.userType() == QMetaType::LongLong) {
+        const qint64 number = value.toLongLong();
+        const qint64 limit = qint64(1) << 61;
+        if (number >= -limit && number < limit) {
+            *bits = (quintptr(number) << 2) | LongLong;
+            return true;
+        }
+    }
+    return false;
+}
+
+QVariant BkCalendarItem::CompactId::value() const
+{
+    switch (mBits & TagMask) {
+    case Int:
+        return int(quint32(mBits >> 2));
+    case LongLong:
+        return qlonglong(qint64(mBits) >> 2);
+    default:
+        return mBits ? *reinterpret_cast<const QVariant*>(mBits) : QVariant();
+    }
+}
+
+void BkCalendarItem::CompactId::set(const QVariant& value)
+{
+    quintptr bits = 0;
+    if (!packInline(value, &bits))
+        bits = reinterpret_cast<quintptr>(new QVariant(value));
+    if ((mBits & TagMask) == Heap)
+        delete reinterpret_cast<QVariant*>(mBits);
+    mBits = bits;
+}
+
+bool BkCalendarItem::CompactId::isSameAs(const QVariant& value) const
+{
+    quintptr bits = 0;
+    if (((mBits & TagMask) == Heap && mBits) || !packInline(value, &bits))
+        return false;
+    return bits == mBits;
+}
+
 BkCalendarItem::BkCalendarItem() = default;
 
 BkCalendarItem::~BkCalendarItem()
@@ -12,6 +73,59 @@ BkCalendarItem::~BkCalendarItem()
     // The widget survives its booking with no booking; it is neither deleted nor unfiled here.
     if (widget)
         widget->setItem(nullptr);
+    delete mSaved;
+}
+
+QVariant BkCalendarItem::resourceId() const
+{
+    return mResourceId.value();
+}
+
+QVariant BkCalendarItem::userId() const
+{
+    return mUserId.value();
+}
+
+QTime BkCalendarItem::savedStart() const
+{
+    return mSaved ? mSaved->start : mStart;
+}
+
+QTime BkCalendarItem::savedEnd() const
+{
+    return mSaved ? mSaved->end : mEnd;
+}
+
+QVariant BkCalendarItem::savedResourceId() const
+{
+    return mSaved ? mSaved->resourceId : mResourceId.value();
+}
+
+QVariant BkCalendarItem::savedUserId() const
+{
+    return mSaved ? mSaved->userId : mUserId.value();
+}
+
+QDate BkCalendarItem::savedDate() const
+{
+    return mSaved ? mSaved->date : mDate;
+}
+
+BkCalendarItem::SavedValues& BkCalendarItem::savedValues()
+{
+    // Without a record of their own the rollback values are the present ones.
+    if (!mSaved)
+        mSaved = new SavedValues{mStart, mEnd, mDate, mUserId.value(), mResourceId.value()};
+    return *mSaved;
+}
+
+void BkCalendarItem::dropSavedIfSame()
+{
+    if (mSaved && mSaved->start == mStart && mSaved->end == mEnd && mSaved->date == mDate &&
+        mUserId.isSameAs(mSaved->userId) && mResourceId.isSameAs(mSaved->resourceId)) {
+        delete mSaved;
+        mSaved = nullptr;
+    }
 }
 
 QString BkCalendarItem::plainText() const
@@ -67,15 +181,24 @@ void BkCalendarItem::setType(ItemType type)
     notify();
 }
 
+// The rollback values stay as they are.
 void BkCalendarItem::setStart(const QTime& start)
 {
-    mStart = start;
+    if (start != mStart) {
+        savedValues();
+        mStart = start;
+        dropSavedIfSame();
+    }
     notify();
 }
 
 void BkCalendarItem::setEnd(const QTime& end)
 {
-    mEnd = end;
+    if (end != mEnd) {
+        savedValues();
+        mEnd = end;
+        dropSavedIfSame();
+    }
     notify();
 }
 
@@ -101,51 +224,84 @@ void BkCalendarItem::setStatusId(const QVariant& id)
 void BkCalendarItem::setTime(const QTime& start, const QTime& end)
 {
     if (!model || !model->isInvalid(this)) {
-        mSavedStart = start;
-        mSavedEnd = end;
+        if (mSaved) {
+            mSaved->start = start;
+            mSaved->end = end;
+        }
+    } else if (start != mStart || end != mEnd) {
+        savedValues();
     }
     mStart = start;
     mEnd = end;
+    dropSavedIfSame();
     notify();
+}
+
+void BkCalendarItem::writeKey(Key key, const QVariant& value, const QDate& date)
+{
+    switch (key) {
+    case Key::Date:
+        mDate = date;
+        break;
+    case Key::User:
+        mUserId.set(value);
+        break;
+    case Key::Resource:
+        mResourceId.set(value);
+        break;
+    }
 }
 
 // The model files bookings by date, user and resource: a change of one of them unfiles the booking
 // under the old value and files it again under the new one, with the same pointer.
-template <typename T> void BkCalendarItem::changeKey(T& field, T& savedField, const T& value, bool silent)
+void BkCalendarItem::changeKey(Key key, const QVariant& value, const QDate& date, bool silent)
 {
-    if (value == field)
-        return;
+    // The rollback value keeps its own record while it differs from the present one: on the unsaved
+    // list, and during a move that slots see, where it takes the new value before the booking does.
+    const bool takesNewValue = !model || !model->isInvalid(this);
+    if (!takesNewValue || mSaved || (model && !silent)) {
+        SavedValues& saved = savedValues();
+        if (takesNewValue) {
+            if (key == Key::Date)
+                saved.date = date;
+            else if (key == Key::User)
+                saved.userId = value;
+            else
+                saved.resourceId = value;
+        }
+    }
     if (!model) {
-        savedField = value;
-        field = value;
+        writeKey(key, value, date);
     } else {
         BkCalendarModel* owner = model;
-        if (!owner->isInvalid(this))
-            savedField = value;
         if (silent)
             owner->blockSignals(true);
         owner->removeItem(this);
-        field = value;
+        writeKey(key, value, date);
         owner->addItem(this);
         if (silent)
             owner->blockSignals(false);
     }
+    dropSavedIfSame();
     notify();
 }
 
 void BkCalendarItem::setDate(const QDate& date, bool silent)
 {
-    changeKey(mDate, mSavedDate, date, silent);
+    if (date != mDate)
+        changeKey(Key::Date, QVariant(), date, silent);
 }
 
 void BkCalendarItem::setUserId(const QVariant& id, bool silent)
 {
-    changeKey(mUserId, mSavedUserId, id, silent);
+    if (id != mUserId.value())
+        changeKey(Key::User, id, QDate(), silent);
 }
 
 void BkCalendarItem::setResourceId(const QVariant& id, bool silent)
 {
-    changeKey(mResourceId, mSavedResourceId, id, silent);
+    if (id != mResourceId.value())
+        changeKey(Key::Resource, id, QDate(), silent);
 }
 
 void BkCalendarItem::setKeys(const QDate& date, const BkCalendarResource& resource)
@@ -159,29 +315,34 @@ void BkCalendarItem::setKeys(const QDate& date, const BkCalendarResource& resour
 
 void BkCalendarItem::setKeys(const QDate& date, const QVariant& userId, const QVariant& resourceId)
 {
-    if (date == mDate && resourceId == mResourceId && userId == mUserId)
+    if (date == mDate && resourceId == mResourceId.value() && userId == mUserId.value())
         return;
+    // Without a model the rollback values stay as they are; so they do on the unsaved list. The move
+    // is silent, so nothing sees the rollback values before the booking has its new ones.
+    if (!model || model->isInvalid(this) || mSaved) {
+        SavedValues& saved = savedValues();
+        if (model && !model->isInvalid(this)) {
+            saved.date = date;
+            saved.resourceId = resourceId;
+            saved.userId = userId;
+        }
+    }
     if (!model) {
-        // Without a model the rollback values stay as they are.
         mDate = date;
-        mUserId = userId;
-        mResourceId = resourceId;
+        mUserId.set(userId);
+        mResourceId.set(resourceId);
     } else {
         BkCalendarModel* owner = model;
-        if (!owner->isInvalid(this)) {
-            mSavedDate = date;
-            mSavedResourceId = resourceId;
-            mSavedUserId = userId;
-        }
         // Always a silent move: the caller moves the widget on the screen.
         owner->blockSignals(true);
         owner->removeItem(this);
         mDate = date;
-        mUserId = userId;
-        mResourceId = resourceId;
+        mUserId.set(userId);
+        mResourceId.set(resourceId);
         owner->addItem(this);
         owner->blockSignals(false);
     }
+    dropSavedIfSame();
     notify();
 }
 
@@ -189,10 +350,10 @@ bool BkCalendarItem::isLike(const BkCalendarResource& resource) const
 {
     if (resource.id.isNull())
         return false;
-    if (resource.type == 0 && resource.id == mUserId)
+    if (resource.type == 0 && resource.id == mUserId.value())
         return true;
     if (resource.type == 1)
-        return resource.id == mResourceId;
+        return resource.id == mResourceId.value();
     return false;
 }
 
@@ -217,14 +378,18 @@ void BkCalendarItem::rollback()
     // Only a booking in a model has rollback values that mean anything; without one, leave it be.
     if (!model)
         return;
-    mStart = mSavedStart;
-    mEnd = mSavedEnd;
-    if (mDate != mSavedDate)
-        setDate(mSavedDate, false);
-    if (mResourceId != mSavedResourceId)
-        setResourceId(mSavedResourceId, false);
-    if (mUserId != mSavedUserId)
-        setUserId(mSavedUserId, false);
+    if (mSaved) {
+        mStart = mSaved->start;
+        mEnd = mSaved->end;
+        dropSavedIfSame();
+    }
+    // Each step reads the rollback values anew: a slot of the signals of a move may have changed them.
+    if (mDate != savedDate())
+        setDate(savedDate(), false);
+    if (resourceId() != savedResourceId())
+        setResourceId(savedResourceId(), false);
+    if (userId() != savedUserId())
+        setUserId(savedUserId(), false);
     if (model)
         model->itemValid(this);
 }

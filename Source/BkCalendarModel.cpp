@@ -1,7 +1,12 @@
 #include "BkCalendarModel.h"
 
+#include "BkCalendarIdTable.h"
+#include "BkCalendarItemFile.h"
+
 #include <QSet>
 #include <QTimer>
+
+#include <limits>
 
 namespace {
 
@@ -21,6 +26,9 @@ Q_CONSTRUCTOR_FUNCTION(registerCalendarMetaTypes)
 
 BkCalendarModel::BkCalendarModel(QObject* parent)
     : QObject(parent)
+    , mUserItems(new BkCalendarItemFile)
+    , mResourceItems(new BkCalendarItemFile)
+    , mIdHash(new BkCalendarIdTable)
     , mCommitTimer(new QTimer(this))
 {
     registerCalendarMetaTypes();
@@ -42,16 +50,20 @@ bool BkCalendarModel::addItem(BkCalendarItem* item)
 {
     if (item)
         item->setToolTipsEnabled(mToolTipsEnabled);
-    if (!item->id.isNull() && mIdHash.contains(item->id.toInt()))
+    if (!item->id.isNull() && mIdHash->contains(item->id.toInt()))
         return false;
-    if (!item->resourceId().isNull())
-        mResourceItems[item->date()][item->resourceId()].append(item);
-    if (!item->userId().isNull())
-        mUserItems[item->date()][item->userId()].append(item);
+    const QVariant resourceId = item->resourceId();
+    if (!resourceId.isNull())
+        mResourceItems->add(item->date(), resourceId, item);
+    const QVariant userId = item->userId();
+    if (!userId.isNull())
+        mUserItems->add(item->date(), userId, item);
     if (!item->id.isNull())
-        mIdHash[item->id.toInt()] = item;
+        mIdHash->insert(item->id.toInt(), item);
     item->mStorePosition = mAllItems.size();
-    ++item->mStoreCount;
+    // At its top the count sticks, and taking the booking out walks the list.
+    if (item->mStoreCount < std::numeric_limits<quint16>::max())
+        ++item->mStoreCount;
     mAllItems.append(item);
     item->model = this;
     emit itemAdded(item);
@@ -71,24 +83,13 @@ void BkCalendarModel::addItem(const BkCalendarPlanInfo& info)
 
 void BkCalendarModel::removeItem(BkCalendarItem* item)
 {
-    // Only look: a removal must not create empty entries for keys that were never filed.
-    auto users = mUserItems.find(item->date());
-    if (users != mUserItems.end()) {
-        auto list = users->find(item->userId());
-        if (list != users->end())
-            list->removeAll(item);
-    }
-    auto resources = mResourceItems.find(item->date());
-    if (resources != mResourceItems.end()) {
-        auto list = resources->find(item->resourceId());
-        if (list != resources->end())
-            list->removeAll(item);
-    }
+    mUserItems->remove(item->date(), item->userId(), item);
+    mResourceItems->remove(item->date(), item->resourceId(), item);
     dropFromInvalidItems(item);
     dropFromAllItems(item);
     item->model = nullptr;
     if (!item->id.isNull())
-        mIdHash.remove(item->id.toInt());
+        mIdHash->remove(item->id.toInt());
     emit itemRemoved(item);
 }
 
@@ -107,7 +108,8 @@ void BkCalendarModel::dropFromAllItems(BkCalendarItem* item)
             if (mAllItems.at(i) == item) {
                 mAllItems[i] = nullptr;
                 ++mAllItemsHoles;
-                item->mStoreCount = qMax(0, item->mStoreCount - 1);
+                if (item->mStoreCount > 0 && item->mStoreCount < std::numeric_limits<quint16>::max())
+                    --item->mStoreCount;
             }
     }
     if (mAllItemsHoles > 64 && mAllItemsHoles * 2 > mAllItems.size()) {
@@ -164,11 +166,22 @@ QList<BkCalendarItem*> BkCalendarModel::items(const QDate& date, const BkCalenda
     if (resource.id.isNull())
         return {};
     checkDate(resource, date);
-    const auto& store = resource.type == 0 ? mUserItems : mResourceItems;
-    const auto day = store.constFind(date);
-    if (day == store.constEnd())
-        return {};
-    return day->value(resource.id);
+    return (resource.type == 0 ? mUserItems : mResourceItems)->items(date, resource.id);
+}
+
+const QHash<int, BkCalendarItem*>& BkCalendarModel::idHash() const
+{
+    return mIdHash->hash();
+}
+
+const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& BkCalendarModel::userItems() const
+{
+    return mUserItems->days();
+}
+
+const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& BkCalendarModel::resourceItems() const
+{
+    return mResourceItems->days();
 }
 
 QList<BkCalendarPlan*> BkCalendarModel::plans(const QDate& date, const BkCalendarResource& resource)
@@ -187,14 +200,14 @@ BkCalendarPlanInfo BkCalendarModel::planInfo(const QVariant& id) const
 
 bool BkCalendarModel::containsItem(const QVariant& id) const
 {
-    return mIdHash.contains(id.toInt());
+    return mIdHash->contains(id.toInt());
 }
 
 BkCalendarItem* BkCalendarModel::findId(const QVariant& id) const
 {
     if (id.isNull())
         return nullptr;
-    return mIdHash.value(id.toInt(), nullptr);
+    return mIdHash->value(id.toInt());
 }
 
 bool BkCalendarModel::isInvalid(BkCalendarItem* item) const
@@ -202,10 +215,16 @@ bool BkCalendarModel::isInvalid(BkCalendarItem* item) const
     return mInvalidSet.contains(item);
 }
 
+quint64 BkCalendarModel::rangeKey(const BkCalendarResource& resource)
+{
+    return (quint64(quint32(resource.type)) << 32) | quint32(resource.id.toInt());
+}
+
 bool BkCalendarModel::loaded(const BkCalendarResource& resource, const QDate& date)
 {
     // Asking creates the key with an empty range; checkDate then widens it from there.
-    const QPair<QDate, QDate>& range = mLoadedRanges[resource];
+    const QPair<QDate, QDate> range = mLoadedRanges[resource];
+    mRangeIndex.insert(rangeKey(resource), range);
     return date.toJulianDay() >= range.first.toJulianDay() &&
            date.toJulianDay() <= range.second.toJulianDay();
 }
@@ -214,11 +233,13 @@ void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate&
 {
     // One contiguous range per key, widened by 8 days round the date asked for; the range is stored
     // before the request goes out, so a nested read from a slot of loadData finds it updated.
-    auto range = mLoadedRanges.find(resource);
-    if (range == mLoadedRanges.end()) {
+    const quint64 key = rangeKey(resource);
+    const auto range = mRangeIndex.constFind(key);
+    if (range == mRangeIndex.constEnd()) {
         const QDate first = date.addDays(-8);
         const QDate last = date.addDays(8);
         mLoadedRanges.insert(resource, qMakePair(first, last));
+        mRangeIndex.insert(key, qMakePair(first, last));
         emit loadData(first, last, resource);
         return;
     }
@@ -226,26 +247,27 @@ void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate&
     const QDate oldLast = range->second;
     if (date.toJulianDay() > oldLast.toJulianDay()) {
         const QDate last = date.addDays(8);
-        range->second = last;
+        mLoadedRanges.find(resource)->second = last;
+        mRangeIndex[key].second = last;
         emit loadData(oldLast.addDays(1), last, resource);
     } else if (date.toJulianDay() < oldFirst.toJulianDay()) {
         const QDate first = date.addDays(-8);
-        range->first = first;
+        mLoadedRanges.find(resource)->first = first;
+        mRangeIndex[key].first = first;
         emit loadData(first, oldFirst.addDays(-1), resource);
     }
 }
 
 void BkCalendarModel::setToolTipsEnabled(bool enabled)
 {
-    for (BkCalendarItem* item : qAsConst(mIdHash))
-        item->setToolTipsEnabled(enabled);
+    mIdHash->forEach([enabled](BkCalendarItem* item) { item->setToolTipsEnabled(enabled); });
     mToolTipsEnabled = enabled;
 }
 
 void BkCalendarModel::clear()
 {
     emit reset();
-    mIdHash.clear();
+    mIdHash->clear();
     // An item without an id, or a plan, that was added twice stands twice in the store: it is
     // deleted at its first place from the end, and passed over at the second.
     QSet<BkCalendarItem*> deletedItems;
@@ -269,11 +291,12 @@ void BkCalendarModel::clear()
         }
     }
     mPlanStore.clear();
-    mUserItems.clear();
-    mResourceItems.clear();
+    mUserItems->clear();
+    mResourceItems->clear();
     mAllItems.clear();
     mAllItemsHoles = 0;
     mLoadedRanges.clear();
+    mRangeIndex.clear();
 }
 
 void BkCalendarModel::commit()
@@ -320,7 +343,7 @@ void BkCalendarModel::itemInvalid(BkCalendarItem* item, bool addToList)
     }
     // A host that wrote the id after adding the booking has it found by id from now on.
     if (!item->id.isNull())
-        mIdHash[item->id.toInt()] = item;
+        mIdHash->insert(item->id.toInt(), item);
     emit itemChanged(item);
 }
 

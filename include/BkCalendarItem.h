@@ -58,19 +58,19 @@ public:
     QString toolTip() const { return mToolTip; }
     QString text() const { return mText; }
     QString plainText() const;
-    QVariant resourceId() const { return mResourceId; }
-    QVariant userId() const { return mUserId; }
+    QVariant resourceId() const;
+    QVariant userId() const;
     QDate date() const { return mDate; }
     QTime start() const { return mStart; }
     QTime end() const { return mEnd; }
     bool isBlocked() const { return mBlocked; }
 
     // The values a rollback returns to.
-    QTime savedStart() const { return mSavedStart; }
-    QTime savedEnd() const { return mSavedEnd; }
-    QVariant savedResourceId() const { return mSavedResourceId; }
-    QVariant savedUserId() const { return mSavedUserId; }
-    QDate savedDate() const { return mSavedDate; }
+    QTime savedStart() const;
+    QTime savedEnd() const;
+    QVariant savedResourceId() const;
+    QVariant savedUserId() const;
+    QDate savedDate() const;
 
     void setLocked(int locked);
     void setWorkPlaceId(const QVariant& id);
@@ -101,32 +101,77 @@ public:
     void setToolTipsEnabled(bool enabled);
 
 private:
+    // A user or resource id in eight bytes: null, an int or a long long (the usual database keys) are
+    // held inline, any other value on the heap. It gives back exactly the QVariant it was given.
+    class CompactId
+    {
+    public:
+        CompactId() = default;
+        ~CompactId();
+        CompactId(const CompactId&) = delete;
+        CompactId& operator=(const CompactId&) = delete;
+
+        QVariant value() const;
+        void set(const QVariant& value);
+        // True only where value() would give the same type and value: inline ids compare directly, and
+        // a value on the heap never counts as the same.
+        bool isSameAs(const QVariant& value) const;
+
+    private:
+        enum Tag : quintptr
+        {
+            Heap = 0, // a QVariant* (or 0 for a null id)
+            Int = 1,
+            LongLong = 2,
+            TagMask = 3
+        };
+        static bool packInline(const QVariant& value, quintptr* bits);
+        quintptr mBits = 0;
+    };
+
+    // The rollback values, held apart only while one of them differs from the present value: a clean
+    // booking, the most common kind, has none.
+    struct SavedValues
+    {
+        QTime start;
+        QTime end;
+        QDate date;
+        QVariant userId;
+        QVariant resourceId;
+    };
+
     void notify();
-    template <typename T> void changeKey(T& field, T& savedField, const T& value, bool silent);
+    SavedValues& savedValues();
+    void dropSavedIfSame();
+    enum class Key
+    {
+        Date,
+        User,
+        Resource
+    };
+    void changeKey(Key key, const QVariant& value, const QDate& date, bool silent);
+    void writeKey(Key key, const QVariant& value, const QDate& date);
 
     QString mTitle;
     QString mText;
     QString mToolTip;
     QDate mDate;
-    QVariant mUserId;
-    QVariant mResourceId;
+    CompactId mUserId;
+    CompactId mResourceId;
     // The host always sets the type; 0 has no special behaviour, so it is a harmless start.
     ItemType mType = ItemType(0);
     int mItemFlags = 0;
     QTime mStart;
     QTime mEnd;
-    QTime mSavedStart;
-    QTime mSavedEnd;
-    QVariant mSavedResourceId;
-    QVariant mSavedUserId;
-    QDate mSavedDate;
-    bool mBlocked = false;
+    SavedValues* mSaved = nullptr;
 
     // The model's bookkeeping: where the booking stands in the model's list of all bookings, and how
-    // often it stands there, so that taking it out costs the same whatever the size of the store.
+    // often it stands there, so that taking it out costs the same whatever the size of the store. The
+    // count sticks at its top, which only means a walk.
     friend class BkCalendarModel;
     int mStorePosition = -1;
-    int mStoreCount = 0;
+    quint16 mStoreCount = 0;
+    bool mBlocked = false;
 };
 
 Q_DECLARE_METATYPE(BkCalendarItem*)

@@ -15,6 +15,10 @@
 #include <QVariant>
 #include <QVector>
 
+#include <memory>
+
+class BkCalendarIdTable;
+class BkCalendarItemFile;
 class QTimer;
 
 // The one store of bookings and plans behind a calendar form. The host fills it in answer to
@@ -55,14 +59,11 @@ public:
     {
         return mPlanStore;
     }
-    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& userItems() const { return mUserItems; }
-    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& resourceItems() const
-    {
-        return mResourceItems;
-    }
+    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& userItems() const;
+    const QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>>& resourceItems() const;
     const QMap<BkCalendarResource, QPair<QDate, QDate>>& loadedRanges() const { return mLoadedRanges; }
     const QMap<QVariant, BkCalendarPlanInfo>& planInfos() const { return mPlanInfos; }
-    const QHash<int, BkCalendarItem*>& idHash() const { return mIdHash; }
+    const QHash<int, BkCalendarItem*>& idHash() const;
     // Every booking in the order of adding (a booking that moved was added again).
     QList<BkCalendarItem*> allItems() const;
     const QList<BkCalendarItem*>& invalidItems() const { return mInvalidItems; }
@@ -84,15 +85,21 @@ signals:
     void saveItems(const QList<BkCalendarItem*>& items);
 
 private:
+    static quint64 rangeKey(const BkCalendarResource& resource);
     void dropFromAllItems(BkCalendarItem* item);
     void dropFromInvalidItems(BkCalendarItem* item);
 
     QMap<QDate, QMap<BkCalendarResource, QList<BkCalendarPlan*>>> mPlanStore;
-    QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>> mUserItems;
-    QMap<QDate, QMap<QVariant, QList<BkCalendarItem*>>> mResourceItems;
+    // Bookings by date and user, and by date and resource.
+    std::unique_ptr<BkCalendarItemFile> mUserItems;
+    std::unique_ptr<BkCalendarItemFile> mResourceItems;
     QMap<BkCalendarResource, QPair<QDate, QDate>> mLoadedRanges;
+    // The same ranges by type and id read as an integer, the map's own notion of one key: a hash
+    // lookup in place of the map's comparisons, which read the ids anew at every step.
+    QHash<quint64, QPair<QDate, QDate>> mRangeIndex;
     QMap<QVariant, BkCalendarPlanInfo> mPlanInfos;
-    QHash<int, BkCalendarItem*> mIdHash;
+    // Bookings that have an id, by id.toInt().
+    std::unique_ptr<BkCalendarIdTable> mIdHash;
     // In the order of adding. A removed booking leaves a null hole, so that removing costs the same at
     // any size; the holes are closed up once they are as many as the bookings.
     QVector<BkCalendarItem*> mAllItems;

@@ -7,6 +7,8 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <limits>
+
 namespace {
 
 const QDate Day(2024, 3, 11);
@@ -66,6 +68,12 @@ private slots:
     void shouldCommitThroughModel();
     void shouldIgnoreCommitAndRollbackWithoutModel();
     void shouldClearPointersBetweenItemAndWidget();
+    void shouldGiveBackIdsOfEveryKind_data();
+    void shouldGiveBackIdsOfEveryKind();
+    void shouldRollBackToIdsOfEveryKind_data();
+    void shouldRollBackToIdsOfEveryKind();
+    void shouldShowNewRollbackValueToSlotsOfVisibleMove();
+    void shouldKeepRollbackTimesThroughSetStartOnUnsavedItem();
 };
 
 void TestBkCalendarItem::initTestCase()
@@ -662,6 +670,124 @@ void TestBkCalendarItem::shouldClearPointersBetweenItemAndWidget()
     delete item;
     QVERIFY(guard);
     delete other;
+}
+
+void TestBkCalendarItem::shouldGiveBackIdsOfEveryKind_data()
+{
+    QTest::addColumn<QVariant>("id");
+    QTest::newRow("null") << QVariant();
+    QTest::newRow("null int") << QVariant(QVariant::Int);
+    QTest::newRow("zero") << QVariant(0);
+    QTest::newRow("int") << QVariant(42);
+    QTest::newRow("negative int") << QVariant(-42);
+    QTest::newRow("largest int") << QVariant(std::numeric_limits<int>::max());
+    QTest::newRow("smallest int") << QVariant(std::numeric_limits<int>::min());
+    QTest::newRow("long long") << QVariant(qlonglong(42));
+    QTest::newRow("negative long long") << QVariant(qlonglong(-42));
+    QTest::newRow("long long past int") << QVariant(qlonglong(1) << 40);
+    QTest::newRow("long long near its top") << QVariant((qlonglong(1) << 61) - 1);
+    QTest::newRow("long long near its bottom") << QVariant(-(qlonglong(1) << 61));
+    QTest::newRow("largest long long") << QVariant(std::numeric_limits<qlonglong>::max());
+    QTest::newRow("smallest long long") << QVariant(std::numeric_limits<qlonglong>::min());
+    QTest::newRow("unsigned") << QVariant(42u);
+    QTest::newRow("real") << QVariant(4.5);
+    QTest::newRow("text") << QVariant(QStringLiteral("desk 4"));
+}
+
+void TestBkCalendarItem::shouldGiveBackIdsOfEveryKind()
+{
+    QFETCH(QVariant, id);
+    BkCalendarItem item;
+    item.setUserId(QVariant(7));
+    item.setResourceId(QVariant(7));
+    item.setUserId(id);
+    item.setResourceId(id);
+    for (const QVariant& back :
+         {item.userId(), item.resourceId(), item.savedUserId(), item.savedResourceId()}) {
+        QCOMPARE(back.userType(), id.userType());
+        QCOMPARE(back.isNull(), id.isNull());
+        QCOMPARE(back, id);
+    }
+}
+
+void TestBkCalendarItem::shouldRollBackToIdsOfEveryKind_data()
+{
+    shouldGiveBackIdsOfEveryKind_data();
+}
+
+void TestBkCalendarItem::shouldRollBackToIdsOfEveryKind()
+{
+    QFETCH(QVariant, id);
+    BkCalendarModel model;
+    auto* item = makeItem(1, 7, 7);
+    item->setUserId(id);
+    item->setResourceId(id);
+    model.addItem(item);
+    item->setTitle(QStringLiteral("Changed"));
+    item->setUserId(QVariant(99));
+    item->setResourceId(QVariant(98));
+    QCOMPARE(item->savedUserId().userType(), id.userType());
+    QCOMPARE(item->savedUserId(), id);
+    QCOMPARE(item->savedResourceId(), id);
+    item->rollback();
+    for (const QVariant& back : {item->userId(), item->resourceId()}) {
+        QCOMPARE(back.userType(), id.userType());
+        QCOMPARE(back.isNull(), id.isNull());
+        QCOMPARE(back, id);
+    }
+    QVERIFY(!model.isInvalid(item));
+}
+
+void TestBkCalendarItem::shouldShowNewRollbackValueToSlotsOfVisibleMove()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, 8);
+    model.addItem(item);
+    QDate seenOnRemoval;
+    QDate seenOnAdding;
+    QVariant userSeenOnAdding;
+    connect(&model, &BkCalendarModel::itemRemoved, this,
+            [&](BkCalendarItem* moved) { seenOnRemoval = moved->savedDate(); });
+    connect(&model, &BkCalendarModel::itemAdded, this, [&](BkCalendarItem* moved) {
+        seenOnAdding = moved->savedDate();
+        userSeenOnAdding = moved->savedUserId();
+    });
+
+    // A clean booking takes the new value as its rollback value before it moves.
+    item->setDate(Day.addDays(2));
+    QCOMPARE(seenOnRemoval, Day.addDays(2));
+    QCOMPARE(seenOnAdding, Day.addDays(2));
+    QCOMPARE(userSeenOnAdding, QVariant(3));
+
+    // An unsaved one keeps its rollback value.
+    item->setUserId(5);
+    QCOMPARE(seenOnAdding, Day.addDays(2));
+    QCOMPARE(userSeenOnAdding, QVariant(3));
+    item->rollback();
+    QCOMPARE(item->userId(), QVariant(3));
+    QCOMPARE(item->date(), Day.addDays(2));
+}
+
+void TestBkCalendarItem::shouldKeepRollbackTimesThroughSetStartOnUnsavedItem()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, 8);
+    model.addItem(item);
+    item->setStart(Ten);
+    item->setEnd(Eleven);
+    QCOMPARE(item->savedStart(), Eight);
+    QCOMPARE(item->savedEnd(), Nine);
+    // Back to the rollback values, then away again: the rollback values stay.
+    item->setStart(Eight);
+    item->setEnd(Nine);
+    item->setTime(Ten, Eleven);
+    QCOMPARE(item->savedStart(), Eight);
+    item->setDate(Day.addDays(1));
+    item->rollback();
+    QCOMPARE(item->start(), Eight);
+    QCOMPARE(item->end(), Nine);
+    QCOMPARE(item->date(), Day);
+    QCOMPARE(item->savedDate(), Day);
 }
 
 QTEST_MAIN(TestBkCalendarItem)
