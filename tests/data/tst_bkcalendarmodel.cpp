@@ -1,28 +1,19 @@
 #include "BkCalendarItem.h"
 #include "BkCalendarItemWidget.h"
 #include "BkCalendarModel.h"
+#include "BkStoreBooking.h"
 
 #include <QLocale>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTimer>
+
 #include <QtTest>
 
 namespace {
 
-const QDate Day(2024, 3, 11);
-
-BkCalendarItem* makeItem(const QVariant& id, const QVariant& userId, const QVariant& resourceId,
-                         const QDate& date = Day)
-{
-    auto* item = new BkCalendarItem;
-    item->id = id;
-    item->setDate(date);
-    item->setUserId(userId);
-    item->setResourceId(resourceId);
-    item->setTime(QTime(8, 0), QTime(9, 0));
-    return item;
-}
+using BkStoreBooking::Day;
+using BkStoreBooking::makeItem;
 
 BkCalendarPlan* makePlan(const QDate& date, const BkCalendarResource& resource, int infoId = -1)
 {

@@ -4,29 +4,20 @@
 
 #include "BkCalendarItem.h"
 #include "BkCalendarModel.h"
+#include "BkStoreBooking.h"
 
 #include <QHash>
 #include <QRandomGenerator>
 #include <QSignalSpy>
+
 #include <QtTest>
 
 #include <memory>
 
 namespace {
 
-const QDate Day(2024, 3, 11);
-
-BkCalendarItem* makeItem(const QVariant& id, const QVariant& userId, const QVariant& resourceId,
-                         const QDate& date = Day)
-{
-    auto* item = new BkCalendarItem;
-    item->id = id;
-    item->setDate(date);
-    item->setUserId(userId);
-    item->setResourceId(resourceId);
-    item->setTime(QTime(8, 0), QTime(9, 0));
-    return item;
-}
+using BkStoreBooking::Day;
+using BkStoreBooking::makeItem;
 
 BkCalendarResource user(const QVariant& id)
 {

@@ -30,6 +30,18 @@ QImage paintItem(QGraphicsItem* item, bool selected = false, int extra = 10)
     return image;
 }
 
+// A box painted `dx` in from the left of a canvas 200 wide.
+QImage paintItemShifted(QGraphicsItem* item, int dx)
+{
+    QImage image(200, int(item->boundingRect().height()) + 10, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.translate(dx, 0);
+    QStyleOptionGraphicsItem option;
+    item->paint(&painter, &option, nullptr);
+    return image;
+}
+
 bool isRed(const QColor& color)
 {
     return color.red() == 255 && color.green() == 0 && color.blue() == 0;
@@ -344,19 +356,10 @@ void tst_BkCalendarPaint::shouldLeaveNoTextInBoxNarrowerThanItsMargins()
     item->setTitle(QStringLiteral("WWW"));
     item->setText(QStringLiteral("<b>WWW</b> WWW WWW"));
     // Painted 40 in from the left, so that ink to the left of the box would show as well.
-    auto paintShifted = [item]() {
-        QImage image(200, int(item->widget->boundingRect().height()) + 10, QImage::Format_ARGB32);
-        image.fill(Qt::white);
-        QPainter painter(&image);
-        painter.translate(40, 0);
-        QStyleOptionGraphicsItem option;
-        item->widget->paint(&painter, &option, nullptr);
-        return image;
-    };
-    const QImage withText = paintShifted();
+    const QImage withText = paintItemShifted(item->widget, 40);
     item->setTitle(QString());
     item->setText(QString());
-    const QImage without = paintShifted();
+    const QImage without = paintItemShifted(item->widget, 40);
     QCOMPARE(withText != without, textShows);
 }
 
@@ -378,19 +381,10 @@ void tst_BkCalendarPaint::shouldKeepIconsAtTheirHeightInNarrowBox()
     auto iconTop = [](double columnWidth) {
         BkColumnFixture fixture(false, columnWidth);
         BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(11, 0), 1, BkCalendarItem::Meeting);
-        auto paintShifted = [item]() {
-            QImage image(200, int(item->widget->boundingRect().height()) + 10, QImage::Format_ARGB32);
-            image.fill(Qt::white);
-            QPainter painter(&image);
-            // The icons stand left of the text area's right edge, which a narrow box has at its left.
-            painter.translate(100, 0);
-            QStyleOptionGraphicsItem option;
-            item->widget->paint(&painter, &option, nullptr);
-            return image;
-        };
-        const QImage bare = paintShifted();
+        // The icons stand left of the text area's right edge, which a narrow box has at its left.
+        const QImage bare = paintItemShifted(item->widget, 100);
         item->setItemFlags(BkCalendarItem::FlagPhone);
-        const QImage withPhone = paintShifted();
+        const QImage withPhone = paintItemShifted(item->widget, 100);
         for (int y = 0; y < bare.height(); ++y)
             for (int x = 0; x < bare.width(); ++x)
                 if (bare.pixel(x, y) != withPhone.pixel(x, y))
