@@ -19,6 +19,7 @@
 #include "BkCalendarScene.h"
 #include "BkCalendarStatus.h"
 #include "BkCalendarStatusEntry.h"
+#include "BkCalendarTextBlock.h"
 #include "BkCalendarTimeScale.h"
 #include "BkCalendarUserList.h"
 #include "BkCalendarView.h"
