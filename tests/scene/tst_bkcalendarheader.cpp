@@ -12,6 +12,7 @@
 #include <QGraphicsSceneMouseEvent>
 #include <QPainter>
 #include <QPalette>
+#include <QResource>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -81,6 +82,7 @@ private slots:
     void shouldLetSelectionWinOverTheResourceColours();
     void shouldDrawAResourceInLilacWithoutTheHostsIcon();
     void shouldDrawNoIconWithoutAResourceId();
+    void shouldShowAResourceIconThatAHostRegistersLater();
     void shouldUseTheStandardColoursWithoutAScheme();
     void shouldLetMouseEventsThroughToTheItem();
 };
@@ -335,6 +337,25 @@ void tst_BkCalendarHeader::shouldDrawNoIconWithoutAResourceId()
     // The same header with an id shows the user icon there.
     header.resource = BkCalendarResource(0, QString(), 0);
     QVERIFY(showsPicture(paintHeader(header), QImage(QStringLiteral(":/calendar/user.png")), QPoint(2, 2)));
+}
+
+// The header's pictures are read once, but one that is missing is looked for again at each paint.
+void tst_BkCalendarHeader::shouldShowAResourceIconThatAHostRegistersLater()
+{
+    BkCalendarColorScheme scheme;
+    BkCalendarHeader header(nullptr);
+    header.setColorScheme(&scheme);
+    header.widthChanged(Width);
+    header.resource = BkCalendarResource(3, QStringLiteral("Beamer"), 1);
+    header.setResourceMode(true);
+    const QImage icon(QStringLiteral(":/calendar/kexi.png"));
+    QVERIFY(!icon.isNull());
+    QVERIFY(!showsPicture(paintHeader(header), icon, QPoint(2, 2)));
+
+    QVERIFY(QResource::registerResource(QStringLiteral(FWCALENDAR_HOST_ICONS)));
+    QVERIFY(showsPicture(paintHeader(header), icon, QPoint(2, 2)));
+    QVERIFY(showsPicture(paintHeader(header), icon, QPoint(2, 2)));
+    QVERIFY(QResource::unregisterResource(QStringLiteral(FWCALENDAR_HOST_ICONS)));
 }
 
 void tst_BkCalendarHeader::shouldUseTheStandardColoursWithoutAScheme()
