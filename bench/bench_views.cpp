@@ -41,7 +41,7 @@ double ms(const QElapsedTimer& timer)
     return timer.nsecsElapsed() / 1e6;
 }
 
-// A repaint alone, for a profiler to find by name.
+// The view into the image; a function of its own, for a profiler to find by name.
 Q_NEVER_INLINE void repaint(QGraphicsView* view, QImage& image)
 {
     QPainter painter(&image);
@@ -49,7 +49,8 @@ Q_NEVER_INLINE void repaint(QGraphicsView* view, QImage& image)
 }
 
 // Where the pictures go when BENCH_VIEWS_PICTURES names a folder: a change that makes the calendar
-// faster must leave them byte for byte as they were.
+// faster must leave them byte for byte as they were. Saving them counts in the times, so a run that
+// saves pictures is not one to read the times from.
 QString picturesFolder()
 {
     return QString::fromLocal8Bit(qgetenv("BENCH_VIEWS_PICTURES"));
@@ -61,10 +62,7 @@ void paint(QGraphicsView* view, QImage& image, const QString& name = QString())
     const bool save = !name.isEmpty() && !picturesFolder().isEmpty();
     if (save)
         image.fill(Qt::transparent);
-    {
-        QPainter painter(&image);
-        view->render(&painter, QRectF(image.rect()), view->viewport()->rect());
-    }
+    repaint(view, image);
     if (save)
         image.save(picturesFolder() + QLatin1Char('/') + name + QStringLiteral(".png"));
 }
