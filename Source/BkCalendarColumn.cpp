@@ -598,23 +598,6 @@ struct BkCalendarColumn::LayoutMemo
     QVector<LayoutBox> boxes;
     QVector<int> indexes;
     QVector<int> counts;
-
-    bool answers(const QVector<LayoutBox>& now, QVector<int>& nowIndexes, QVector<int>& nowCounts) const
-    {
-        if (now.size() != boxes.size() || !std::equal(now.cbegin(), now.cend(), boxes.cbegin(), sameBox))
-            return false;
-        nowIndexes = indexes;
-        nowCounts = counts;
-        return true;
-    }
-
-    void remember(const QVector<LayoutBox>& now, const QVector<int>& nowIndexes,
-                  const QVector<int>& nowCounts)
-    {
-        boxes = now;
-        indexes = nowIndexes;
-        counts = nowCounts;
-    }
 };
 
 // The state of one layout run, shared with the runs nested in it.
@@ -640,10 +623,13 @@ struct BkCalendarColumn::LayoutRun
         for (int i = 0; i < widgets.size(); ++i)
             boxes[i] = layoutBoxOf(widgets.at(i));
         settled = 0;
-        if (memo->answers(boxes, indexes, counts))
-            return;
-        computeLayout(boxes, indexes, counts);
-        memo->remember(boxes, indexes, counts);
+        if (boxes.size() != memo->boxes.size() ||
+            !std::equal(boxes.cbegin(), boxes.cend(), memo->boxes.cbegin(), sameBox)) {
+            computeLayout(boxes, memo->indexes, memo->counts);
+            memo->boxes = boxes;
+        }
+        indexes = memo->indexes;
+        counts = memo->counts;
     }
 
     bool holdsAnswer(int index) const

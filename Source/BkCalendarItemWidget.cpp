@@ -35,12 +35,6 @@ int minutesBetween(const QTime& a, const QTime& b)
     return a.secsTo(b) / 60;
 }
 
-// QColor compares colours of extended range only roughly; those always count as changed.
-bool sameColour(const QColor& a, const QColor& b)
-{
-    return a == b && a.spec() != QColor::ExtendedRgb;
-}
-
 int settingValue(const char* key)
 {
     return FwApplication::app() ? FwApplication::app()->getValue(QString::fromLatin1(key), "").toInt() : 0;
@@ -101,55 +95,55 @@ int BkCalendarItemWidget::type() const
     return Type;
 }
 
+bool BkCalendarItemWidget::Colours::sameAs(const Colours& other) const
+{
+    // QColor compares colours of extended range only roughly; those always count as changed.
+    auto same = [](const QColor& a, const QColor& b) { return a == b && a.spec() != QColor::ExtendedRgb; };
+    return scheme == other.scheme && same(fillTop, other.fillTop) && same(fillBottom, other.fillBottom) &&
+           same(selectedTop, other.selectedTop) && same(selectedBottom, other.selectedBottom) &&
+           same(outline, other.outline);
+}
+
 void BkCalendarItemWidget::updateInfo()
 {
     if (!mScale || !mItem)
         return;
     // The layout calls this for every box whose share changes, so the colours are worked out anew
     // only when what they come from has changed.
+    Colours from;
+    from.fillTop = mItem->topColor;
+    from.fillBottom = mItem->bottomColor;
     const int statusId = mItem->statusId.toInt();
-    QColor fillTop = mItem->topColor;
-    QColor fillBottom = mItem->bottomColor;
     if (!mItem->statusId.isNull() && mScheme && mScheme->statusColors.contains(statusId)) {
-        fillTop = mScheme->statusColors.value(statusId).color;
-        fillBottom = fillTop.darker(150);
+        from.fillTop = mScheme->statusColors.value(statusId).color;
+        from.fillBottom = from.fillTop.darker(150);
     }
-    const bool selectedFromScheme = mScheme != nullptr;
-    const QColor selectedTop = mScheme ? mScheme->selectedHeader : QColor();
-    const QColor selectedBottom = mScheme ? mScheme->selectedHeaderGradient : QColor();
-    if (!mColours.valid || !sameColour(mColours.fillTop, fillTop) ||
-        !sameColour(mColours.fillBottom, fillBottom) || mColours.selectedFromScheme != selectedFromScheme ||
-        !sameColour(mColours.selectedTop, selectedTop) ||
-        !sameColour(mColours.selectedBottom, selectedBottom)) {
+    if (mScheme) {
+        from.selectedTop = mScheme->selectedHeader;
+        from.selectedBottom = mScheme->selectedHeaderGradient;
+    }
+    // The outline follows the booking's own colour even when a status colour fills the box.
+    from.outline = mItem->bottomColor;
+    from.scheme = mScheme != nullptr;
+    if (!mColours || !mColours->sameAs(from)) {
         mGradient = QLinearGradient(0, 0, 0, 100);
-        mGradient.setColorAt(0.0, fillTop);
-        mGradient.setColorAt(1.0, fillBottom);
-        if (!selectedFromScheme) {
+        mGradient.setColorAt(0.0, from.fillTop);
+        mGradient.setColorAt(1.0, from.fillBottom);
+        if (!from.scheme) {
             mSelectedGradient = mGradient;
         } else {
             mSelectedGradient = QLinearGradient(0, 0, 0, 100);
-            mSelectedGradient.setColorAt(0.0, selectedTop);
-            mSelectedGradient.setColorAt(1.0, selectedBottom);
+            mSelectedGradient.setColorAt(0.0, from.selectedTop);
+            mSelectedGradient.setColorAt(1.0, from.selectedBottom);
         }
-        mColours.fillTop = fillTop;
-        mColours.fillBottom = fillBottom;
-        mColours.selectedFromScheme = selectedFromScheme;
-        mColours.selectedTop = selectedTop;
-        mColours.selectedBottom = selectedBottom;
-    }
-
-    // The outline follows the booking's own colour even when a status colour fills the box. A value
-    // below 10 stays at 0, so that a very dark colour still gives a valid, black outline.
-    const QColor& bottom = mItem->bottomColor;
-    if (!mColours.valid || !sameColour(mColours.outlineFrom, bottom)) {
+        // A value below 10 stays at 0, so that a very dark colour still gives a valid, black outline.
         int hue = 0;
         int saturation = 0;
         int value = 0;
-        bottom.getHsv(&hue, &saturation, &value);
+        from.outline.getHsv(&hue, &saturation, &value);
         mBorder = QColor::fromHsv(hue, saturation, qMax(0, value - 10), 255);
-        mColours.outlineFrom = bottom;
+        mColours = from;
     }
-    mColours.valid = true;
 
     const double m = double(mScale->minuteHeight());
     const double t = double(mScale->topMargin());

@@ -15,6 +15,7 @@
 #include <QPointF>
 #include <QRectF>
 #include <memory>
+#include <optional>
 
 class BkCalendarColorScheme;
 class BkCalendarColumn;
@@ -133,18 +134,18 @@ private:
     BkCalendarTimeScale* mScale;
     BkCalendarColorScheme* mScheme;
 
-    // What the gradients and the outline were last worked out from.
+    // What the gradients and the outline were last worked out from; nothing before the first time.
     struct Colours
     {
-        bool valid = false;
         QColor fillTop;
         QColor fillBottom;
-        bool selectedFromScheme = false;
         QColor selectedTop;
         QColor selectedBottom;
-        QColor outlineFrom;
+        QColor outline;
+        bool scheme = false;
+        bool sameAs(const Colours& other) const;
     };
-    Colours mColours;
+    std::optional<Colours> mColours;
 
     // The time line and the title as laid out for the last paint.
     BkCalendarTextBlock mTimeLine;

@@ -65,6 +65,17 @@ bool showsPicture(const QImage& image, const QImage& picture, const QPoint& orig
         }
     return opaque > 0;
 }
+
+// The header of a group column for the resource "Beamer".
+void showResource(BkCalendarHeader& header, BkCalendarColorScheme& scheme)
+{
+    header.setColorScheme(&scheme);
+    header.widthChanged(Width);
+    header.resource = BkCalendarResource(3, QStringLiteral("Beamer"), 1);
+    header.setResourceMode(true);
+    header.setText(QStringLiteral("Beamer"));
+}
+
 } // namespace
 
 class tst_BkCalendarHeader : public QObject
@@ -297,11 +308,7 @@ void tst_BkCalendarHeader::shouldDrawAResourceInLilacWithoutTheHostsIcon()
 {
     BkCalendarColorScheme scheme;
     BkCalendarHeader header(nullptr);
-    header.setColorScheme(&scheme);
-    header.widthChanged(Width);
-    header.resource = BkCalendarResource(3, QStringLiteral("Beamer"), 1);
-    header.setResourceMode(true);
-    header.setText(QStringLiteral("Beamer"));
+    showResource(header, scheme);
 
     const QImage image = paintHeader(header);
     save(image, QStringLiteral("header-resource.png"));
@@ -344,10 +351,7 @@ void tst_BkCalendarHeader::shouldShowAResourceIconThatAHostRegistersLater()
 {
     BkCalendarColorScheme scheme;
     BkCalendarHeader header(nullptr);
-    header.setColorScheme(&scheme);
-    header.widthChanged(Width);
-    header.resource = BkCalendarResource(3, QStringLiteral("Beamer"), 1);
-    header.setResourceMode(true);
+    showResource(header, scheme);
     const QImage icon(QStringLiteral(":/calendar/kexi.png"));
     QVERIFY(!icon.isNull());
     QVERIFY(!showsPicture(paintHeader(header), icon, QPoint(2, 2)));
