@@ -6,6 +6,7 @@
 #include "BkCalendarItem.h"
 #include "BkCalendarItemWidget.h"
 #include "BkCalendarModel.h"
+#include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
 #include "FwApplication.h"
 #include "FwEnums.h"
@@ -1146,7 +1147,7 @@ void BkCalendarColumn::paintLines(QPainter* painter)
             painter->setPen(time.minute() == 0 ? mScheme->hourLine : mScheme->stepLine);
             time = time.addSecs(step * 60);
         }
-        painter->drawLine(0, int(y), int(w), int(y));
+        BkCalendarPainting::drawRowLine(painter, 0, int(y), int(w));
     }
 }
 

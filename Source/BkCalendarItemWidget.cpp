@@ -3,6 +3,7 @@
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
 #include "BkCalendarItem.h"
+#include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
 #include "FwApplication.h"
 #include "FwMessageBox.h"
@@ -464,6 +465,10 @@ bool BkCalendarItemWidget::moveBySeconds(int n)
 void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, const QFont& font,
                                         const QPointF& origin)
 {
+    // The text is cut to its area, so a repaint that cannot reach the area passes it over.
+    const QRectF clip(origin, QSizeF(int(area.width()), int(area.height())));
+    if (!BkCalendarPainting::repaintArea(painter).intersects(clip))
+        return;
     painter->save();
     painter->translate(origin);
     painter->setClipRect(QRect(QPoint(0, 0), QPoint(int(area.width()) - 1, int(area.height()) - 1)),
@@ -509,9 +514,17 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
         return;
     }
 
+    // A repaint of a strip at the box's edge passes over the shapes that lie wholly outside it; a
+    // shape's pixels stay within its rectangle and the pen's half pixel around it.
+    const QRectF area = BkCalendarPainting::repaintArea(painter);
+    auto reaches = [&area](const QRectF& shape) {
+        return area.intersects(shape.normalized().adjusted(-1, -1, 1, 1));
+    };
+
     painter->setPen(Qt::NoPen);
     painter->setBrush(QBrush(QColor(100, 100, 100, 50)));
-    painter->drawRoundedRect(shadow, 5.0, 5.0, Qt::AbsoluteSize);
+    if (reaches(shadow))
+        painter->drawRoundedRect(shadow, 5.0, 5.0, Qt::AbsoluteSize);
 
     if (option && (option->state & QStyle::State_Selected)) {
         painter->setBrush(QBrush(mSelectedGradient));
@@ -522,7 +535,8 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
         painter->setBrush(QBrush(mGradient));
     }
     painter->setPen(mBorder);
-    painter->drawRoundedRect(r, 5.0, 5.0, Qt::AbsoluteSize);
+    if (reaches(r))
+        painter->drawRoundedRect(r, 5.0, 5.0, Qt::AbsoluteSize);
 
     if (mItem->leftColor.isValid()) {
         painter->setBrush(QBrush(mItem->leftColor));

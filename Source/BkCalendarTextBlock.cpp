@@ -1,8 +1,12 @@
 #include "BkCalendarTextBlock.h"
 
+#include "BkCalendarPainting.h"
+
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QPaintDevice>
 #include <QPainter>
+#include <QRawFont>
 #include <QTextLayout>
 #include <QTextOption>
 
@@ -70,7 +74,9 @@ bool BkCalendarTextBlock::prepare(QPainter* painter, const QRectF& rect, int fla
     mLayout->setTextOption(option);
     mLayout->setCacheEnabled(true);
 
-    const double leading = QFontMetricsF(font).leading();
+    const QFontMetricsF metrics(font);
+    const double leading = metrics.leading();
+    mMargin = metrics.height();
     double height = -leading;
     mWidth = 0.0;
     mLayout->beginLayout();
@@ -83,6 +89,7 @@ bool BkCalendarTextBlock::prepare(QPainter* painter, const QRectF& rect, int fla
     }
     mLayout->endLayout();
     mHeight = height;
+    mInk = QRectF();
     mText = text;
     mFont = font;
     mFlags = flags;
@@ -104,6 +111,12 @@ void BkCalendarTextBlock::draw(QPainter* painter, const QRectF& rect, int flags,
     const QRectF lines(rect.x(), rect.y(), mWidth, mHeight);
     if (bounds)
         *bounds = lines;
+    // A repaint of a strip beside the box passes over its text; finding the glyphs' outline costs
+    // more than drawing, so it is only looked for when the area leaves out some of the lines' room.
+    const QRectF area = BkCalendarPainting::repaintArea(painter);
+    if (!area.contains(lines.adjusted(-mMargin, -mMargin, mMargin, mMargin)) &&
+        !area.intersects(ink().translated(rect.topLeft())))
+        return;
     // Lines that reach beyond the rectangle are cut at its edges, as drawText cuts them.
     const bool clip = !rect.contains(lines);
     if (clip) {
@@ -114,6 +127,26 @@ void BkCalendarTextBlock::draw(QPainter* painter, const QRectF& rect, int flags,
         mLayout->lineAt(i).draw(painter, rect.topLeft());
     if (clip)
         painter->restore();
+}
+
+QRectF BkCalendarTextBlock::ink()
+{
+    if (mInk.isNull()) {
+        // The font's outlines of the glyphs as placed; a rasterised glyph may colour the pixel next
+        // to its outline, so two pixels more on each side.
+        // (A run's own bounding rectangle is the room of its advances, which outlines may leave.)
+        QRectF outline;
+        const QList<QGlyphRun> runs = mLayout->glyphRuns();
+        for (const QGlyphRun& run : runs) {
+            const QRawFont font = run.rawFont();
+            const QVector<quint32> glyphs = run.glyphIndexes();
+            const QVector<QPointF> positions = run.positions();
+            for (int i = 0; i < glyphs.size() && i < positions.size(); ++i)
+                outline |= font.boundingRect(glyphs.at(i)).translated(positions.at(i));
+        }
+        mInk = outline.adjusted(-2.0, -2.0, 2.0, 2.0);
+    }
+    return mInk;
 }
 
 QRectF BkCalendarTextBlock::measure(QPainter* painter, const QRectF& rect, int flags, const QString& text)

@@ -164,7 +164,9 @@ struct Form
     QImage image;
 };
 
-void groupView(BenchTable& table, int resources, int bookings)
+// minWidth 0 keeps the form's own minimum column width, so that the group scrolls sideways; 1 puts
+// every column on the screen at once.
+void groupView(BenchTable& table, int resources, int bookings, int minWidth)
 {
     QVector<double> open, next, floors;
     for (int run = 0; run < Runs; ++run) {
@@ -178,22 +180,26 @@ void groupView(BenchTable& table, int resources, int bookings)
                 id = fillDay(form.model(), id, Monday.addDays(d), who, bookings, bookings / 4);
         }
         form.calendar.setResourceList(group);
-        form.calendar.setMinWidth(1);
+        if (minWidth > 0)
+            form.calendar.setMinWidth(minWidth);
         form.calendar.setDate(Monday);
         QElapsedTimer timer;
+        const QString name =
+            QStringLiteral("group-%1%2").arg(resources).arg(minWidth > 0 ? "" : "-scrolling");
         timer.start();
         form.calendar.showGroup();
-        paint(form.view(), form.image, QStringLiteral("group-%1-open").arg(resources));
+        paint(form.view(), form.image, name + QStringLiteral("-open"));
         open << ms(timer);
         timer.restart();
         form.calendar.setDate(Monday.addDays(1));
-        paint(form.view(), form.image, QStringLiteral("group-%1-next").arg(resources));
+        paint(form.view(), form.image, name + QStringLiteral("-next"));
         next << ms(timer);
         const double width = form.view()->getColumnList().first()->boundingRect().width();
         floors << floorOf(form.image.size(), resources, bookings, 4, width);
     }
-    const QString what =
+    QString what =
         QStringLiteral("group view, %1 resources of %2 bookings and 4 plans").arg(resources).arg(bookings);
+    what += minWidth > 0 ? QStringLiteral(", all on screen") : QStringLiteral(", scrolling");
     table.add(what + QStringLiteral(": open and first paint"), BenchTable::median(open), QStringLiteral("ms"),
               BenchTable::median(floors));
     table.add(what + QStringLiteral(": next day and paint"), BenchTable::median(next), QStringLiteral("ms"),
@@ -245,6 +251,34 @@ void weekView(BenchTable& table, int perDay, int overlapping, int days, int more
     table.add(what + QStringLiteral(": full repaint"), BenchTable::median(again), QStringLiteral("ms"));
 }
 
+// The scene's changes reach the viewport as one update of the dirty region, painted at once.
+void settle()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
+    QCoreApplication::processEvents();
+}
+
+// One drag of a booking to a point of the scene and the drop there, as QDrag delivers it (enter,
+// move and drop), to the end of the repaint. A function of its own, for a profiler to find by name.
+Q_NEVER_INLINE void dragAndDrop(QGraphicsView* view, QMimeData* data, const QPointF& scenePos)
+{
+    for (QEvent::Type type :
+         {QEvent::GraphicsSceneDragEnter, QEvent::GraphicsSceneDragMove, QEvent::GraphicsSceneDrop}) {
+        QGraphicsSceneDragDropEvent event(type);
+        event.setScenePos(scenePos);
+        event.setScreenPos(view->viewport()->mapToGlobal(view->mapFromScene(scenePos)));
+        event.setButtons(Qt::LeftButton);
+        event.setPossibleActions(Qt::MoveAction);
+        event.setProposedAction(Qt::MoveAction);
+        event.setDropAction(Qt::MoveAction);
+        event.setMimeData(data);
+        event.setWidget(view->viewport());
+        QApplication::sendEvent(view->scene(), &event);
+    }
+    settle();
+}
+
 void gestures(BenchTable& table)
 {
     Form form(QSize(1200, 1000));
@@ -264,12 +298,6 @@ void gestures(BenchTable& table)
             item = candidate;
     if (!item)
         return;
-    // The scene's changes reach the viewport as one update of the dirty region, painted at once.
-    auto settle = []() {
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
-        QCoreApplication::processEvents();
-    };
     auto mouse = [view](QEvent::Type type, const QPointF& scenePos, Qt::MouseButtons buttons) {
         const QPoint local = view->mapFromScene(scenePos);
         const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
@@ -307,29 +335,18 @@ void gestures(BenchTable& table)
         keys << ms(timer);
     }
 
-    // A drag to the neighbouring column and the drop there.
-    BkCalendarColumn* next = view->getColumnList().at(1);
+    // Drags to the neighbouring column and drops there, back and forth between the first two columns:
+    // each time the booking leaves one column for the other.
     QMimeData data;
     data.setData(QStringLiteral("text/calitem"), item->id.toString().toLatin1());
-    auto drag = [&](QEvent::Type type, const QPointF& scenePos) {
-        QGraphicsSceneDragDropEvent event(type);
-        event.setScenePos(scenePos);
-        event.setScreenPos(view->viewport()->mapToGlobal(view->mapFromScene(scenePos)));
-        event.setButtons(Qt::LeftButton);
-        event.setPossibleActions(Qt::MoveAction);
-        event.setProposedAction(Qt::MoveAction);
-        event.setDropAction(Qt::MoveAction);
-        event.setMimeData(&data);
-        event.setWidget(view->viewport());
-        QApplication::sendEvent(view->scene(), &event);
-    };
-    const QPointF target = next->mapToScene(view->timeScale()->pointAt(20.0, QTime(16, 0)));
-    timer.start();
-    drag(QEvent::GraphicsSceneDragEnter, target);
-    drag(QEvent::GraphicsSceneDragMove, target);
-    drag(QEvent::GraphicsSceneDrop, target);
-    settle();
-    const double dropped = ms(timer);
+    QVector<double> drops;
+    for (int i = 0; i < 20; ++i) {
+        BkCalendarColumn* to = view->getColumnList().at(i % 2 ? 0 : 1);
+        const QPointF target = to->mapToScene(view->timeScale()->pointAt(20.0, QTime(16, 0)));
+        timer.start();
+        dragAndDrop(view, &data, target);
+        drops << ms(timer);
+    }
 
     // The floor: a plain rectangle moved by as much, and the viewport repainted.
     QGraphicsScene scene;
@@ -353,8 +370,10 @@ void gestures(BenchTable& table)
               BenchTable::median(moves), QStringLiteral("ms"), floor);
     table.add(QStringLiteral("Up key move, to the end of its repaint"), BenchTable::median(keys),
               QStringLiteral("ms"), floor);
-    table.add(QStringLiteral("drag to the next column and drop, to the end of its repaint"), dropped,
-              QStringLiteral("ms"), floor);
+    table.add(QStringLiteral("drag to the next column and drop, to the end of its repaint"),
+              BenchTable::median(drops), QStringLiteral("ms"), floor);
+    // The first drop after the view opened pays for what the later ones find ready.
+    table.add(QStringLiteral("the first of these drops"), drops.first(), QStringLiteral("ms"), floor);
 }
 
 } // namespace
@@ -372,10 +391,12 @@ int main(int argc, char** argv)
         Runs = qMax(1, QByteArray(argv[2]).toInt());
     BenchTable views(QStringLiteral("Views, 1920×1080, medians of %1 runs").arg(Runs));
     if (only.isEmpty() || only.startsWith(QLatin1String("group"))) {
-        if (only != QLatin1String("group100"))
-            groupView(views, 300, 12);
+        if (only != QLatin1String("group100")) {
+            groupView(views, 300, 12, 1);
+            groupView(views, 300, 12, 0);
+        }
         if (only != QLatin1String("group300"))
-            groupView(views, 100, 24);
+            groupView(views, 100, 24, 1);
     }
     if (only.isEmpty() || only == QLatin1String("week")) {
         weekView(views, 40, 15, 7, 0);

@@ -28,12 +28,14 @@ public:
 
     // As painter->drawText(rect, flags, text, bounds). Flags other than Qt::AlignLeft with or
     // without Qt::TextWordWrap, and what else the lines cannot be kept for, go to drawText itself.
+    // Kept lines whose glyphs lie wholly outside the area that the paint can reach are not drawn.
     void draw(QPainter* painter, const QRectF& rect, int flags, const QString& text, QRectF* bounds);
     // As painter->boundingRect(rect, flags, text): where the lines would stand, nothing drawn.
     QRectF measure(QPainter* painter, const QRectF& rect, int flags, const QString& text);
 
 private:
     bool prepare(QPainter* painter, const QRectF& rect, int flags, const QString& text);
+    QRectF ink();
 
     std::unique_ptr<QTextLayout> mLayout;
     QString mText;
@@ -45,6 +47,10 @@ private:
     int mDpiY = 0;
     double mWidth = 0.0;
     double mHeight = 0.0;
+    // Beyond the lines' room by this much no glyph reaches: a line's height.
+    double mMargin = 0.0;
+    // Where the glyphs' pixels can fall, relative to the first line's top left; null until asked.
+    QRectF mInk;
 };
 
 #endif // BKCALENDARTEXTBLOCK_H

@@ -15,6 +15,7 @@
 #include "BkCalendarListDelegate.h"
 #include "BkCalendarModel.h"
 #include "BkCalendarMoveDelegate.h"
+#include "BkCalendarPainting.h"
 #include "BkCalendarRecords.h"
 #include "BkCalendarScene.h"
 #include "BkCalendarStatus.h"
