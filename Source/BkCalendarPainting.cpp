@@ -33,8 +33,7 @@ bool rowLineIsPlain(QPainter* painter, int x1, int y, int x2)
         painter->compositionMode() != QPainter::CompositionMode_SourceOver)
         return false;
     const QTransform transform = painter->deviceTransform();
-    if (transform.type() > QTransform::TxTranslate ||
-        painter->combinedTransform().type() > QTransform::TxTranslate)
+    if (transform.type() > QTransform::TxTranslate)
         return false;
     // Far out, 1/64 pixel no longer fits the stroker's integers.
     const double limit = 1 << 20;

@@ -47,9 +47,10 @@ private:
     int mDpiY = 0;
     double mWidth = 0.0;
     double mHeight = 0.0;
-    // Beyond the lines' room by this much no glyph reaches: a line's height.
+    // How far around the lines' room a repaint area may fall short before the glyphs' outline is
+    // looked for: a line's height. Drawing is always right; the margin only spares the search.
     double mMargin = 0.0;
-    // Where the glyphs' pixels can fall, relative to the first line's top left; null until asked.
+    // Where the glyphs' pixels can fall, relative to the rectangle's top left; null until asked.
     QRectF mInk;
 };
 

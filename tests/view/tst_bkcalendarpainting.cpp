@@ -7,7 +7,6 @@
 #include <BkCalendarItem.h>
 #include <BkCalendarItemWidget.h>
 #include <BkCalendarPainting.h>
-#include <BkCalendarTimeScale.h>
 
 #include <FwTestApplication.h>
 
