@@ -601,13 +601,11 @@ struct BkCalendarColumn::LayoutMemo
     QVector<int> counts;
 };
 
-// The state of one layout run, shared with the runs nested in it.
+// The state of one layout run, shared with the runs nested in it. Its answers are the column's kept
+// ones, which the run brings up to date for its boxes.
 struct BkCalendarColumn::LayoutRun
 {
     QVector<BkCalendarItemWidget*> widgets;
-    QVector<LayoutBox> boxes;
-    QVector<int> indexes;
-    QVector<int> counts;
     // The box whose setColInfo is under way; only its move can start a nested run.
     int current = -1;
     // The boxes before this one hold their answers. Only setColInfo changes a box's values, and only
@@ -620,7 +618,7 @@ struct BkCalendarColumn::LayoutRun
 
     void compute()
     {
-        boxes.resize(widgets.size());
+        QVector<LayoutBox> boxes(widgets.size());
         for (int i = 0; i < widgets.size(); ++i)
             boxes[i] = layoutBoxOf(widgets.at(i));
         settled = 0;
@@ -629,21 +627,22 @@ struct BkCalendarColumn::LayoutRun
             computeLayout(boxes, memo->indexes, memo->counts);
             memo->boxes = boxes;
         }
-        indexes = memo->indexes;
-        counts = memo->counts;
     }
+
+    int indexAt(int index) const { return memo->indexes.at(index); }
+    int countAt(int index) const { return memo->counts.at(index); }
 
     bool holdsAnswer(int index) const
     {
         const BkCalendarItemWidget* widget = widgets.at(index);
-        return widget->colIndex() == indexes.at(index) && widget->colCount() == counts.at(index);
+        return widget->colIndex() == indexAt(index) && widget->colCount() == countAt(index);
     }
 
     // The answers stay those of a fresh search as long as no top, height or id has changed. Every box
     // that a run sets is checked at once, so at any moment only the box being set can differ.
     void refresh(int index)
     {
-        if (index >= 0 && !sameBox(boxes.at(index), layoutBoxOf(widgets.at(index))))
+        if (index >= 0 && !sameBox(memo->boxes.at(index), layoutBoxOf(widgets.at(index))))
             compute();
     }
 };
@@ -692,7 +691,7 @@ void BkCalendarColumn::settleLayout(LayoutRun& run)
         if (!run.holdsAnswer(i)) {
             const int outer = run.current;
             run.current = i;
-            run.widgets.at(i)->setColInfo(run.indexes.at(i), run.counts.at(i));
+            run.widgets.at(i)->setColInfo(run.indexAt(i), run.countAt(i));
             // Setting a box recomputes its geometry from its booking; it may have changed its height
             // without moving sideways, which starts no nested run.
             run.refresh(i);

@@ -463,16 +463,15 @@ bool BkCalendarItemWidget::moveBySeconds(int n)
 }
 
 void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, const QFont& font,
-                                        const QPointF& origin)
+                                        const QPointF& origin, const QRectF& reach)
 {
     // The text is cut to its area, so a repaint that cannot reach the area passes it over.
-    const QRectF clip(origin, QSizeF(int(area.width()), int(area.height())));
-    if (!BkCalendarPainting::repaintArea(painter).intersects(clip))
+    const QRect clip(0, 0, int(area.width()), int(area.height()));
+    if (!reach.intersects(QRectF(clip).translated(origin)))
         return;
     painter->save();
     painter->translate(origin);
-    painter->setClipRect(QRect(QPoint(0, 0), QPoint(int(area.width()) - 1, int(area.height()) - 1)),
-                         Qt::ReplaceClip);
+    painter->setClipRect(clip, Qt::ReplaceClip);
     if (!mTextLayout || mLaidOutText != mItem->text() || mLaidOutFont != font ||
         mLaidOutWidth != area.width()) {
         mTextLayout = std::make_unique<FwTextDocument>(nullptr);
@@ -516,9 +515,9 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
 
     // A repaint of a strip at the box's edge passes over the shapes that lie wholly outside it; a
     // shape's pixels stay within its rectangle and the pen's half pixel around it.
-    const QRectF area = BkCalendarPainting::repaintArea(painter);
-    auto reaches = [&area](const QRectF& shape) {
-        return area.intersects(shape.normalized().adjusted(-1, -1, 1, 1));
+    const QRectF reach = BkCalendarPainting::repaintArea(painter);
+    auto reaches = [&reach](const QRectF& shape) {
+        return reach.intersects(shape.normalized().adjusted(-1, -1, 1, 1));
     };
 
     painter->setPen(Qt::NoPen);
@@ -615,7 +614,7 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
 
     // Text only starts at the very top of the box; the others below their title.
     if (r.width() > 0.0)
-        drawRichText(painter, r, font, QPointF(textX, type == BkCalendarItem::TextOnly ? 0.0 : r.y()));
+        drawRichText(painter, r, font, QPointF(textX, type == BkCalendarItem::TextOnly ? 0.0 : r.y()), reach);
     painter->setFont(originalFont);
 
     // The icons stand at the height of the text area from the top, not at its foot.

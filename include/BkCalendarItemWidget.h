@@ -112,7 +112,9 @@ private:
     // Grows a short box to the expand height until the pointer leaves it.
     void grow(int height);
     // The booking's rich text in the area left below its title, from origin on.
-    void drawRichText(QPainter* painter, const QRectF& area, const QFont& font, const QPointF& origin);
+    // `reach`: what the paint can reach, in the box's coordinates.
+    void drawRichText(QPainter* painter, const QRectF& area, const QFont& font, const QPointF& origin,
+                      const QRectF& reach);
 
     bool mMoved;
     bool mExpanded;

@@ -1,6 +1,7 @@
 #include "BkCalendarItem.h"
 #include "BkCalendarItemWidget.h"
 #include "BkCalendarModel.h"
+#include "BkStoreBooking.h"
 
 #include <QLocale>
 #include <QSignalSpy>
@@ -11,21 +12,17 @@
 
 namespace {
 
-const QDate Day(2024, 3, 11);
+using BkStoreBooking::Day;
 const QTime Eight(8, 0);
 const QTime Nine(9, 0);
 const QTime Ten(10, 0);
 const QTime Eleven(11, 0);
 
+// The store tests' booking, as a meeting.
 BkCalendarItem* makeItem(const QVariant& id, const QVariant& userId, const QVariant& resourceId,
                          const QDate& date = Day)
 {
-    auto* item = new BkCalendarItem;
-    item->id = id;
-    item->setDate(date);
-    item->setUserId(userId);
-    item->setResourceId(resourceId);
-    item->setTime(Eight, Nine);
+    BkCalendarItem* item = BkStoreBooking::makeItem(id, userId, resourceId, date);
     item->setType(BkCalendarItem::Meeting);
     return item;
 }
