@@ -8,6 +8,7 @@
 #include "BkCalendarModel.h"
 #include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
+#include "BkVariantInt.h"
 #include "FwApplication.h"
 #include "FwEnums.h"
 #include "FwMessageBox.h"
@@ -66,7 +67,7 @@ LayoutBox layoutBoxOf(BkCalendarItemWidget* widget)
     box.top = widget->pos().y();
     box.bottom = box.top + widget->boundingRect().height();
     box.hasItem = widget->item() != nullptr;
-    box.id = box.hasItem ? widget->item()->id.toInt() : 0;
+    box.id = box.hasItem ? variantToInt(widget->item()->id) : 0;
     return box;
 }
 
@@ -669,7 +670,7 @@ void BkCalendarColumn::checkCollisions()
     run.widgets.reserve(children.size());
     for (QGraphicsItem* child : children) {
         // A widget under construction has no kind yet and is passed over; it joins at its first move.
-        if (!child->isVisible() || child->data(ItemKindRole).toInt() != ItemKindItemWidget)
+        if (!child->isVisible() || variantToInt(child->data(ItemKindRole)) != ItemKindItemWidget)
             continue;
         auto* widget = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
         if (widget && !widget->deleting())

@@ -5,6 +5,7 @@
 #include "BkCalendarItem.h"
 #include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
+#include "BkVariantInt.h"
 #include "FwApplication.h"
 #include "FwMessageBox.h"
 #include "FwTextDocument.h"
@@ -114,7 +115,7 @@ void BkCalendarItemWidget::updateInfo()
     Colours from;
     from.fillTop = mItem->topColor;
     from.fillBottom = mItem->bottomColor;
-    const int statusId = mItem->statusId.toInt();
+    const int statusId = variantToInt(mItem->statusId);
     if (!mItem->statusId.isNull() && mScheme && mScheme->statusColors.contains(statusId)) {
         from.fillTop = mScheme->statusColors.value(statusId).color;
         from.fillBottom = from.fillTop.darker(150);
