@@ -150,6 +150,7 @@ private:
     struct LayoutRun;
     struct LayoutMemo;
     void settleLayout(LayoutRun& run);
+    void moveTo(const QPointF& position);
     bool showsSomething() const;
     void placeGrip();
     BkCalendarItemWidget* makeWidget(BkCalendarItem* item);

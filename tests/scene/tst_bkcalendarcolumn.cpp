@@ -43,6 +43,7 @@ private slots:
     void shouldShowNothingWithoutValidKey();
     void shouldPlaceByIndexAtInit();
     void shouldPlaceAtGivenStartAtInit();
+    void shouldCarryBoxesAndKeepEveryFlagWhenMoved();
     void shouldDoNothingWithoutScale();
     void shouldShareViewWidthWhenProportional();
     void shouldTakePixelsWhenFixed();
@@ -191,6 +192,50 @@ void tst_BkCalendarColumn::shouldPlaceAtGivenStartAtInit()
     fixture.column->setIndex(3);
     fixture.column->init(77.0);
     QCOMPARE(fixture.column->pos(), QPointF(127.0, 25.0));
+}
+
+void tst_BkCalendarColumn::shouldCarryBoxesAndKeepEveryFlagWhenMoved()
+{
+    // A column moves at init, to a given start, and at its share of the view's width; the last move
+    // comes after the event loop has run, as a later show operation would.
+    BkColumnFixture fixture;
+    BkCalendarColumn* column = fixture.column;
+    const QList<BkCalendarItem*> items = {fixture.addItem(QTime(9, 0), QTime(10, 0), 1),
+                                          fixture.addItem(QTime(9, 30), QTime(11, 0), 2)};
+    const QGraphicsItem::GraphicsItemFlags boxFlags = items.first()->widget->flags();
+    const QList<QPointF> expected = {QPointF(50.0 + 2 * 205.0, 25.0), QPointF(127.0, 25.0),
+                                     QPointF(2 * 200.0 + 50.0, 25.0), QPointF(50.0 + 205.0, 25.0)};
+    for (int step = 0; step < expected.size(); ++step) {
+        switch (step) {
+        case 0:
+            column->setIndex(2);
+            column->init();
+            break;
+        case 1:
+            column->init(77.0);
+            break;
+        case 2:
+            column->setWidthScale(0.2, WidthProportional, -1.0);
+            column->sizeChanged(1051);
+            break;
+        default:
+            QCoreApplication::processEvents();
+            column->setIndex(1);
+            column->setWidthScale(205.0, WidthFixed, -1.0);
+            break;
+        }
+        QCOMPARE(column->pos(), expected.at(step));
+        QCOMPARE(column->header()->flags(),
+                 QGraphicsItem::GraphicsItemFlags(QGraphicsItem::ItemIsSelectable));
+        QCOMPARE(column->header()->scenePos(), column->pos() + column->header()->pos());
+        for (BkCalendarItem* item : items) {
+            BkCalendarItemWidget* box = item->widget;
+            QCOMPARE(box->flags(), boxFlags);
+            QCOMPARE(box->scenePos(), column->pos() + box->pos());
+            QCOMPARE(box->sceneBoundingRect(), box->boundingRect().translated(column->pos() + box->pos()));
+            QVERIFY(fixture.scene.items(box->sceneBoundingRect().center()).contains(box));
+        }
+    }
 }
 
 void tst_BkCalendarColumn::shouldDoNothingWithoutScale()
