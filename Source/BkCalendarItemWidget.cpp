@@ -106,12 +106,36 @@ bool BkCalendarItemWidget::Colours::sameAs(const Colours& other) const
            same(outline, other.outline);
 }
 
+void BkCalendarItemWidget::settleColours() const
+{
+    // The layout calls updateInfo for every box whose share changes, so the colours are worked out
+    // anew only when what they come from has changed.
+    if (!mWantedColours || (mColours && mColours->sameAs(*mWantedColours)))
+        return;
+    const Colours& from = *mWantedColours;
+    mGradient = QLinearGradient(0, 0, 0, 100);
+    mGradient.setColorAt(0.0, from.fillTop);
+    mGradient.setColorAt(1.0, from.fillBottom);
+    if (!from.scheme) {
+        mSelectedGradient = mGradient;
+    } else {
+        mSelectedGradient = QLinearGradient(0, 0, 0, 100);
+        mSelectedGradient.setColorAt(0.0, from.selectedTop);
+        mSelectedGradient.setColorAt(1.0, from.selectedBottom);
+    }
+    // A value below 10 stays at 0, so that a very dark colour still gives a valid, black outline.
+    int hue = 0;
+    int saturation = 0;
+    int value = 0;
+    from.outline.getHsv(&hue, &saturation, &value);
+    mBorder = QColor::fromHsv(hue, saturation, qMax(0, value - 10), 255);
+    mColours = from;
+}
+
 void BkCalendarItemWidget::updateInfo()
 {
     if (!mScale || !mItem)
         return;
-    // The layout calls this for every box whose share changes, so the colours are worked out anew
-    // only when what they come from has changed.
     Colours from;
     from.fillTop = mItem->topColor;
     from.fillBottom = mItem->bottomColor;
@@ -127,25 +151,7 @@ void BkCalendarItemWidget::updateInfo()
     // The outline follows the booking's own colour even when a status colour fills the box.
     from.outline = mItem->bottomColor;
     from.scheme = mScheme != nullptr;
-    if (!mColours || !mColours->sameAs(from)) {
-        mGradient = QLinearGradient(0, 0, 0, 100);
-        mGradient.setColorAt(0.0, from.fillTop);
-        mGradient.setColorAt(1.0, from.fillBottom);
-        if (!from.scheme) {
-            mSelectedGradient = mGradient;
-        } else {
-            mSelectedGradient = QLinearGradient(0, 0, 0, 100);
-            mSelectedGradient.setColorAt(0.0, from.selectedTop);
-            mSelectedGradient.setColorAt(1.0, from.selectedBottom);
-        }
-        // A value below 10 stays at 0, so that a very dark colour still gives a valid, black outline.
-        int hue = 0;
-        int saturation = 0;
-        int value = 0;
-        from.outline.getHsv(&hue, &saturation, &value);
-        mBorder = QColor::fromHsv(hue, saturation, qMax(0, value - 10), 255);
-        mColours = from;
-    }
+    mWantedColours = from;
 
     const double m = double(mScale->minuteHeight());
     const double t = double(mScale->topMargin());
@@ -516,6 +522,7 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
 
     // A repaint of a strip at the box's edge passes over the shapes that lie wholly outside it; a
     // shape's pixels stay within its rectangle and the pen's half pixel around it.
+    settleColours();
     const QRectF reach = BkCalendarPainting::repaintArea(painter);
     auto reaches = [&reach](const QRectF& shape) {
         return reach.intersects(shape.normalized().adjusted(-1, -1, 1, 1));

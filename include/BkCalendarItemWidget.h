@@ -72,9 +72,22 @@ public:
     bool expanded() const { return mExpanded; }
     bool moved() const { return mMoved; }
     QPointF pressPos() const { return mPressPos; }
-    QColor border() const { return mBorder; }
-    QLinearGradient gradient() const { return mGradient; }
-    QLinearGradient selectedGradient() const { return mSelectedGradient; }
+    // The colours that the last updateInfo gave.
+    QColor border() const
+    {
+        settleColours();
+        return mBorder;
+    }
+    QLinearGradient gradient() const
+    {
+        settleColours();
+        return mGradient;
+    }
+    QLinearGradient selectedGradient() const
+    {
+        settleColours();
+        return mSelectedGradient;
+    }
     BkCalendarColumn* column() const { return mColumn; }
     BkCalendarItem* item() const { return mItem; }
     BkCalendarTimeScale* timeScale() const { return mScale; }
@@ -115,6 +128,8 @@ private:
     // `reach`: what the paint can reach, in the box's coordinates.
     void drawRichText(QPainter* painter, const QRectF& area, const QFont& font, const QPointF& origin,
                       const QRectF& reach);
+    // Works out the gradients and the outline from the colours that the last updateInfo saw.
+    void settleColours() const;
 
     bool mMoved;
     bool mExpanded;
@@ -123,12 +138,12 @@ private:
     QRectF mRect;
     QRectF mColumnRect;
     QRectF mSavedRect;
-    QColor mBorder;
+    mutable QColor mBorder;
     double mY;
     double mX;
     double mHeight;
-    QLinearGradient mGradient;
-    QLinearGradient mSelectedGradient;
+    mutable QLinearGradient mGradient;
+    mutable QLinearGradient mSelectedGradient;
     BkCalendarColumn* mColumn;
     int mColIndex;
     int mColCount;
@@ -136,7 +151,7 @@ private:
     BkCalendarTimeScale* mScale;
     BkCalendarColorScheme* mScheme;
 
-    // What the gradients and the outline were last worked out from; nothing before the first time.
+    // What the gradients and the outline come from.
     struct Colours
     {
         QColor fillTop;
@@ -147,7 +162,11 @@ private:
         bool scheme = false;
         bool sameAs(const Colours& other) const;
     };
-    std::optional<Colours> mColours;
+    // The colours that the last updateInfo saw, and those that the gradients and the outline were last
+    // worked out from (nothing before the first time). A box may be made and replaced several times
+    // within one show operation without ever being painted, so the work waits for a reader.
+    std::optional<Colours> mWantedColours;
+    mutable std::optional<Colours> mColours;
 
     // The time line and the title as laid out for the last paint.
     BkCalendarTextBlock mTimeLine;
