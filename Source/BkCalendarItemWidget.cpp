@@ -37,9 +37,12 @@ int minutesBetween(const QTime& a, const QTime& b)
     return a.secsTo(b) / 60;
 }
 
-int settingValue(const char* key)
+// A setting read at the moment of use, so that a change in the host counts at once. Boxes read theirs
+// at every construction and paint, so the keys come as literals that need no conversion.
+int settingValue(const QString& key, const QString& fallback = QString())
 {
-    return FwApplication::app() ? FwApplication::app()->getValue(QString::fromLatin1(key), "").toInt() : 0;
+    FwApplication* app = FwApplication::app();
+    return app ? app->getValue(key, fallback).toInt() : 0;
 }
 
 } // namespace
@@ -72,7 +75,7 @@ BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeS
     setAcceptHoverEvents(true);
     setData(ItemKindRole, int(ItemKindItemWidget));
     // Tool tips are decided once per box; the booking switches them later.
-    if (mItem && settingValue("set_showtooltips") == 1)
+    if (mItem && settingValue(QStringLiteral("set_showtooltips")) == 1)
         setToolTip(mItem->toolTip());
     setData(0, 1);
     mScale = scale;
@@ -289,17 +292,6 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
     return QGraphicsItem::itemChange(change, value);
 }
 
-namespace {
-
-// A setting read at the moment of the gesture, so that a change in the host counts at once.
-int gestureSetting(const char* key, const QString& fallback = QString())
-{
-    FwApplication* app = FwApplication::app();
-    return app ? app->getValue(QString::fromLatin1(key), fallback).toInt() : 0;
-}
-
-} // namespace
-
 void BkCalendarItemWidget::grow(int height)
 {
     mExpanded = true;
@@ -329,7 +321,8 @@ void BkCalendarItemWidget::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
             return;
     } else {
         if (!mMoved) {
-            const int sensitivity = gestureSetting("gst_calendarsensitivity", QStringLiteral("0"));
+            const int sensitivity =
+                settingValue(QStringLiteral("gst_calendarsensitivity"), QStringLiteral("0"));
             // The travel is the sum of both directions, and it has to exceed the sensitivity.
             if (qAbs(mPressPos.x() - p.x()) + qAbs(mPressPos.y() - p.y()) > sensitivity)
                 mMoved = true;
@@ -387,7 +380,7 @@ void BkCalendarItemWidget::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 
 void BkCalendarItemWidget::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
-    const int expandSize = gestureSetting("set_calexpandsize");
+    const int expandSize = settingValue(QStringLiteral("set_calexpandsize"));
     if (!mItem)
         return;
     mMoved = false;
@@ -406,7 +399,7 @@ void BkCalendarItemWidget::mousePressEvent(QGraphicsSceneMouseEvent* event)
 
 void BkCalendarItemWidget::keyPressEvent(QKeyEvent* event)
 {
-    const int keysDisabled = gestureSetting("set_disablekeysbooking");
+    const int keysDisabled = settingValue(QStringLiteral("set_disablekeysbooking"));
     if (!mItem || mItem->type() == BkCalendarItem::Reserved)
         return;
     // The arrows of the keypad are arrows too; any modifier held passes the key on.
@@ -426,7 +419,7 @@ void BkCalendarItemWidget::hoverEnterEvent(QGraphicsSceneHoverEvent* event)
 {
     if (mItem && mItem->type() != BkCalendarItem::Reserved && mColumn &&
         mColumn->raise() == BkCalendarColumn::RaiseOnHover) {
-        const int expandSize = gestureSetting("set_calexpandsize");
+        const int expandSize = settingValue(QStringLiteral("set_calexpandsize"));
         if (mRect.height() < expandSize)
             grow(expandSize);
     }
@@ -598,7 +591,7 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
         else if (iconsFollowText)
             bounds = block.measure(painter, area, flags, line);
     };
-    if (settingValue("set_calshowtime") == 1 && type != BkCalendarItem::TextOnly) {
+    if (settingValue(QStringLiteral("set_calshowtime")) == 1 && type != BkCalendarItem::TextOnly) {
         drawLine(mTimeLine, r, Qt::AlignLeft,
                  tr("%1 - %2").arg(mItem->start().toString("h:mm"), mItem->end().toString("h:mm")));
         r.setTop(bounds.bottom());
