@@ -513,9 +513,9 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
         return;
     }
 
+    settleColours();
     // A repaint of a strip at the box's edge passes over the shapes that lie wholly outside it; a
     // shape's pixels stay within its rectangle and the pen's half pixel around it.
-    settleColours();
     const QRectF reach = BkCalendarPainting::repaintArea(painter);
     auto reaches = [&reach](const QRectF& shape) {
         return reach.intersects(shape.normalized().adjusted(-1, -1, 1, 1));
