@@ -8,6 +8,8 @@
 #include <QTimer>
 #include <QVariant>
 
+#include <memory>
+
 // The application object of a framework host. Besides being the QApplication it keeps the
 // application's settings, the values local to this machine and the message area.
 //
@@ -54,11 +56,13 @@ signals:
 
 private:
     void showMessage(const QString& text, int milliseconds, bool critical);
+    struct SettingReader;
     bool readStoredValue(const QString& key, QVariant* value) const;
     bool writeStoredValue(const QVariant& value, const QString& key, const QString& table);
 
     // Settings written while no database was open.
     QHash<QString, QVariant> mMemoryValues;
+    mutable std::unique_ptr<SettingReader> mReader;
     QString mMessage;
     bool mMessageCritical = false;
     QTimer* mMessageTimer = nullptr;

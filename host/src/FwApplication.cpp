@@ -85,6 +85,32 @@ std::unique_ptr<QSettings> localSettings()
 }
 } // namespace
 
+// The statement that reads one setting, prepared once for the connection it was made on. A calendar
+// reads a setting at each construction and paint of a booking box; parsing the statement anew each
+// time was most of the cost of a read. Every read still asks the database, so a change counts at once.
+struct FwApplication::SettingReader
+{
+    QPointer<QSqlDriver> driver;
+    std::unique_ptr<QSqlQuery> query;
+
+    // The statement on this connection, prepared if need be; null while the table is missing.
+    QSqlQuery* prepared(const QSqlDatabase& db, bool again)
+    {
+        if (!again && query && driver == db.driver())
+            return query.get();
+        query.reset();
+        auto fresh = std::make_unique<QSqlQuery>(db);
+        fresh->setForwardOnly(true);
+        // A missing table simply fails to prepare: then nothing is stored yet.
+        if (!fresh->prepare(
+                QStringLiteral("SELECT fw_value, fw_type FROM %1 WHERE fw_key = ?").arg(settingsTable())))
+            return nullptr;
+        driver = db.driver();
+        query = std::move(fresh);
+        return query.get();
+    }
+};
+
 FwApplication::FwApplication(int& argc, char** argv)
     : QApplication(argc, argv)
     , mMessageTimer(new QTimer(this))
@@ -137,17 +163,25 @@ bool FwApplication::readStoredValue(const QString& key, QVariant* value) const
     QSqlDatabase db = openDatabase();
     if (!db.isValid())
         return false;
-    // A missing table simply fails to prepare: then nothing is stored yet.
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
-    if (!query.prepare(
-            QStringLiteral("SELECT fw_value, fw_type FROM %1 WHERE fw_key = ?").arg(settingsTable())))
+    if (!mReader)
+        mReader = std::make_unique<SettingReader>();
+    // A kept statement fails once its connection was closed and opened again, or its table made
+    // anew; it is then prepared again, once.
+    QSqlQuery* query = mReader->prepared(db, false);
+    for (int attempt = 0; query; ++attempt) {
+        query->bindValue(0, key);
+        if (query->exec())
+            break;
+        query = attempt == 0 ? mReader->prepared(db, true) : nullptr;
+    }
+    if (!query)
         return false;
-    query.addBindValue(key);
-    if (!query.exec() || !query.next())
-        return false;
-    *value = valueOf(query.value(0), query.value(1).toInt());
-    return true;
+    const bool found = query->next();
+    if (found)
+        *value = valueOf(query->value(0), query->value(1).toInt());
+    // Done with the row, so that the statement holds no read lock on the database until the next read.
+    query->finish();
+    return found;
 }
 
 bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, const QString& table)

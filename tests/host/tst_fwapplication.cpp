@@ -8,7 +8,10 @@
 
 #include <QSettings>
 #include <QSignalSpy>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QStatusBar>
+#include <QTemporaryDir>
 
 class tst_FwApplication : public QObject
 {
@@ -23,6 +26,8 @@ private slots:
     void shouldKeepSettingsInTheDatabaseTable();
     void shouldReadATextEditedInTheTable();
     void shouldKeepSettingsInMemoryWithoutDatabase();
+    void shouldReadWhatAnotherConnectionWroteAndHoldNoLock();
+    void shouldReadATableMadeAnew();
     void shouldReadMalformedRowsAsText_data();
     void shouldReadMalformedRowsAsText();
     void shouldKeepLocalValuesInSettings();
@@ -119,6 +124,61 @@ void tst_FwApplication::shouldKeepSettingsInMemoryWithoutDatabase()
     SQLQuery query(QStringLiteral("SELECT fw_value FROM fw_setting WHERE fw_key = 'set_calexpandsize'"));
     QVERIFY(query.next());
     QCOMPARE(query.value(0).toInt(), 3);
+}
+
+void tst_FwApplication::shouldReadWhatAnotherConnectionWroteAndHoldNoLock()
+{
+    // The default connection moves to a file that a second connection writes as well, as another
+    // user's session writes the practice's database.
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString file = dir.filePath(QStringLiteral("settings.sqlite"));
+    QSqlDatabase db = QSqlDatabase::database();
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calshowtime"), QString()).toInt(), 0); // on :memory:
+    db.close();
+    db.setDatabaseName(file);
+    QVERIFY(db.open());
+    iApp->setValue(1, QStringLiteral("set_calshowtime"), QString());
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calshowtime"), QString()).toInt(), 1);
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        other.setDatabaseName(file);
+        // No waiting: a read of the application that still held its rows would make this fail at once.
+        other.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
+        QVERIFY(other.open());
+        for (int value = 2; value < 5; ++value) {
+            QSqlQuery write(other);
+            QVERIFY2(write.exec(QStringLiteral("UPDATE fw_setting SET fw_value = '%1' WHERE fw_key = "
+                                               "'set_calshowtime'")
+                                    .arg(value)),
+                     qPrintable(write.lastError().text()));
+            QCOMPARE(iApp->getValue(QStringLiteral("set_calshowtime"), QString()).toInt(), value);
+        }
+        QSqlQuery remove(other);
+        QVERIFY(remove.exec(QStringLiteral("DELETE FROM fw_setting WHERE fw_key = 'set_calshowtime'")));
+        QCOMPARE(iApp->getValue(QStringLiteral("set_calshowtime"), QStringLiteral("gone")).toString(),
+                 QStringLiteral("gone"));
+        other.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("other"));
+    // Back to a fresh :memory: database for the tests that follow.
+    db.close();
+    db.setDatabaseName(QStringLiteral(":memory:"));
+    QVERIFY(db.open());
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calshowtime"), QStringLiteral("none")).toString(),
+             QStringLiteral("none"));
+}
+
+void tst_FwApplication::shouldReadATableMadeAnew()
+{
+    iApp->setValue(4, QStringLiteral("set_calexpandsize"), QString());
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calexpandsize"), QString()).toInt(), 4);
+    SQLQuery drop;
+    QVERIFY(drop.exec(QStringLiteral("DROP TABLE fw_setting")));
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calexpandsize"), QStringLiteral("none")).toString(),
+             QStringLiteral("none"));
+    iApp->setValue(6, QStringLiteral("set_calexpandsize"), QString());
+    QCOMPARE(iApp->getValue(QStringLiteral("set_calexpandsize"), QString()).toInt(), 6);
 }
 
 void tst_FwApplication::shouldReadMalformedRowsAsText_data()
