@@ -6,6 +6,7 @@
 
 #include "BkColumnFixture.h"
 
+#include <QGraphicsRectItem>
 #include <QtTest>
 
 namespace {
@@ -23,6 +24,34 @@ struct Day : BkColumnFixture
     }
 
     QList<BkCalendarItem*> items;
+};
+
+// Qt's own share of a box: a plain item with the boxes' flags and geometry notices, and nothing else.
+class FloorBox : public QGraphicsItem
+{
+public:
+    explicit FloorBox(QGraphicsItem* parent)
+        : QGraphicsItem(parent)
+    {
+        setFlags(ItemIsMovable | ItemIsSelectable | ItemIsFocusable | ItemSendsGeometryChanges |
+                 ItemSendsScenePositionChanges);
+    }
+    QRectF boundingRect() const override { return mRect; }
+    void paint(QPainter*, const QStyleOptionGraphicsItem*, QWidget*) override {}
+
+    void setShare(double x, double y, double width, double height)
+    {
+        const QRectF rect(0, 0, width, height);
+        if (rect != mRect) {
+            prepareGeometryChange();
+            mRect = rect;
+        }
+        setPos(x, y);
+        update();
+    }
+
+private:
+    QRectF mRect;
 };
 
 void addSizes()
@@ -44,6 +73,8 @@ private slots:
     void buildColumn();
     void addBookingsOneByOne_data() { addSizes(); }
     void addBookingsOneByOne();
+    void qtFloorOneByOne_data() { addSizes(); }
+    void qtFloorOneByOne();
     void fullRelayoutAfterMove_data() { addSizes(); }
     void fullRelayoutAfterMove();
     void relayoutAfterSmallMove_data() { addSizes(); }
@@ -91,6 +122,28 @@ void bench_Collisions::addBookingsOneByOne()
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     qDeleteAll(items);
+}
+
+// Qt's floor for the case above: as many plain items, made one by one in a plain parent of the same
+// scene, and at each new one every item takes its new width and place, as the boxes do; then they
+// are deleted. No booking, no layout, no signal: what Qt itself spends on the same geometry changes.
+void bench_Collisions::qtFloorOneByOne()
+{
+    QFETCH(int, count);
+    Day day(0);
+    QGraphicsRectItem* parent = day.scene.addRect(QRectF(0, 0, 805, 1300));
+    QList<FloorBox*> boxes;
+    QBENCHMARK
+    {
+        for (int i = 0; i < count; ++i) {
+            boxes.append(new FloorBox(parent));
+            const double width = 800.0 / boxes.size();
+            for (int j = 0; j < boxes.size(); ++j)
+                boxes.at(j)->setShare(j * width, 50.0 + j * 4.5, width, 90.0);
+        }
+        qDeleteAll(boxes);
+        boxes.clear();
+    }
 }
 
 // The earliest booking leaves the cluster and comes back: every box changes its sub-column and its
