@@ -88,7 +88,7 @@ bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& ind
         order[i] = i;
     }
     // By top, and at equal tops by id, the boxes without an item first as they take no rank there.
-    std::stable_sort(order.begin(), order.end(), [&boxes](int a, int b) {
+    const auto before = [&boxes](int a, int b) {
         const LayoutBox& x = boxes.at(a);
         const LayoutBox& y = boxes.at(b);
         if (x.top != y.top)
@@ -96,7 +96,11 @@ bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& ind
         if (x.hasItem != y.hasItem)
             return !x.hasItem;
         return x.hasItem && x.id < y.id;
-    });
+    };
+    // Boxes are mostly made in the order of their bookings' times, so the column's order often is the
+    // sorted one already, and one pass finds that.
+    if (!std::is_sorted(order.begin(), order.end(), before))
+        std::stable_sort(order.begin(), order.end(), before);
     indexes.resize(n);
     counts.resize(n);
     int runStart = 0;
