@@ -266,8 +266,13 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
             const float expected =
                 float(minutesBetween(mScale->start(), mItem->start())) * float(mScale->minuteHeight()) +
                 float(mScale->topMargin());
-            if ((snapped - double(expected)) / m == 0.0)
+            if ((snapped - double(expected)) / m == 0.0) {
+                // The proposal itself when it already lies on the snapped y: the same point, and
+                // no new value for Qt to allocate at every move of a box.
+                if (snapped == proposed.y() && std::signbit(snapped) == std::signbit(proposed.y()))
+                    return value;
                 return QPointF(proposed.x(), snapped);
+            }
             return pos();
         }
         break;
