@@ -73,7 +73,6 @@ BkCalendarItem::~BkCalendarItem()
     // The widget survives its booking with no booking; it is neither deleted nor unfiled here.
     if (widget)
         widget->setItem(nullptr);
-    delete mSaved;
 }
 
 QVariant BkCalendarItem::resourceId() const
@@ -115,7 +114,7 @@ BkCalendarItem::SavedValues& BkCalendarItem::savedValues()
 {
     // Without a record of their own the rollback values are the present ones.
     if (!mSaved)
-        mSaved = new SavedValues{mStart, mEnd, mDate, mUserId.value(), mResourceId.value()};
+        mSaved.reset(new SavedValues{mStart, mEnd, mDate, mUserId.value(), mResourceId.value()});
     return *mSaved;
 }
 
@@ -123,8 +122,7 @@ void BkCalendarItem::dropSavedIfSame()
 {
     if (mSaved && mSaved->start == mStart && mSaved->end == mEnd && mSaved->date == mDate &&
         mUserId.isSameAs(mSaved->userId) && mResourceId.isSameAs(mSaved->resourceId)) {
-        delete mSaved;
-        mSaved = nullptr;
+        mSaved.reset();
     }
 }
 

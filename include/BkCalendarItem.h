@@ -12,6 +12,8 @@
 #include <QTime>
 #include <QVariant>
 
+#include <memory>
+
 class BkCalendarItemWidget;
 class BkCalendarModel;
 
@@ -163,7 +165,7 @@ private:
     int mItemFlags = 0;
     QTime mStart;
     QTime mEnd;
-    SavedValues* mSaved = nullptr;
+    std::unique_ptr<SavedValues> mSaved;
 
     // The model's bookkeeping: where the booking stands in the model's list of all bookings, and how
     // often it stands there, so that taking it out costs the same whatever the size of the store. The

@@ -62,7 +62,8 @@ private:
 
     // Settings written while no database was open.
     QHash<QString, QVariant> mMemoryValues;
-    mutable std::unique_ptr<SettingReader> mReader;
+    // The pointer stays; the reader it points to changes as settings are read.
+    const std::unique_ptr<SettingReader> mReader;
     QString mMessage;
     bool mMessageCritical = false;
     QTimer* mMessageTimer = nullptr;

@@ -113,6 +113,7 @@ struct FwApplication::SettingReader
 
 FwApplication::FwApplication(int& argc, char** argv)
     : QApplication(argc, argv)
+    , mReader(std::make_unique<SettingReader>())
     , mMessageTimer(new QTimer(this))
 {
     iApp = this;
@@ -163,16 +164,17 @@ bool FwApplication::readStoredValue(const QString& key, QVariant* value) const
     QSqlDatabase db = openDatabase();
     if (!db.isValid())
         return false;
-    if (!mReader)
-        mReader = std::make_unique<SettingReader>();
+    auto run = [&key](QSqlQuery* query) {
+        query->bindValue(0, key);
+        return query->exec();
+    };
     // A kept statement fails once its connection was closed and opened again, or its table made
     // anew; it is then prepared again, once.
     QSqlQuery* query = mReader->prepared(db, false);
-    for (int attempt = 0; query; ++attempt) {
-        query->bindValue(0, key);
-        if (query->exec())
-            break;
-        query = attempt == 0 ? mReader->prepared(db, true) : nullptr;
+    if (query && !run(query)) {
+        query = mReader->prepared(db, true);
+        if (query && !run(query))
+            return false;
     }
     if (!query)
         return false;
