@@ -6,8 +6,11 @@
 
 #include "BkColumnFixture.h"
 
+#include <QElapsedTimer>
 #include <QGraphicsRectItem>
 #include <QtTest>
+
+#include <algorithm>
 
 namespace {
 
@@ -54,6 +57,16 @@ private:
     QRectF mRect;
 };
 
+// The arrival alone, without the removal that readies the next round: the median of as many rounds,
+// each timed by itself.
+const int ArrivalRounds = 21;
+
+double medianOf(QVector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
 void addSizes()
 {
     QTest::addColumn<int>("count");
@@ -75,6 +88,10 @@ private slots:
     void addBookingsOneByOne();
     void qtFloorOneByOne_data() { addSizes(); }
     void qtFloorOneByOne();
+    void arriveOneByOne_data() { addSizes(); }
+    void arriveOneByOne();
+    void qtFloorArrival_data() { addSizes(); }
+    void qtFloorArrival();
     void fullRelayoutAfterMove_data() { addSizes(); }
     void fullRelayoutAfterMove();
     void relayoutAfterSmallMove_data() { addSizes(); }
@@ -144,6 +161,59 @@ void bench_Collisions::qtFloorOneByOne()
         qDeleteAll(boxes);
         boxes.clear();
     }
+}
+
+// The arrival half of addBookingsOneByOne: only the additions are timed. The removal, in which the
+// boxes lose their bookings and are then deleted in one batch, is what readies the next round.
+void bench_Collisions::arriveOneByOne()
+{
+    QFETCH(int, count);
+    Day day(0);
+    QVector<double> times;
+    for (int round = 0; round < ArrivalRounds; ++round) {
+        QList<BkCalendarItem*> items;
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; i < count; ++i) {
+            auto* item = new BkCalendarItem();
+            item->setDate(day.date);
+            item->setUserId(day.resource.id);
+            const QTime start = QTime(8, 0).addSecs(i * 180);
+            item->setTime(start, start.addSecs(3600));
+            day.model.addItem(item);
+            items.append(item);
+        }
+        times.append(double(timer.nsecsElapsed()));
+        QCOMPARE(items.first()->widget->colCount(), count);
+        for (BkCalendarItem* item : qAsConst(items))
+            day.model.removeItem(item);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        qDeleteAll(items);
+    }
+    QTest::setBenchmarkResult(medianOf(times), QTest::WalltimeNanoseconds);
+}
+
+// Qt's floor for the arrival: the additions of qtFloorOneByOne alone, timed as above.
+void bench_Collisions::qtFloorArrival()
+{
+    QFETCH(int, count);
+    Day day(0);
+    QGraphicsRectItem* parent = day.scene.addRect(QRectF(0, 0, 805, 1300));
+    QVector<double> times;
+    for (int round = 0; round < ArrivalRounds; ++round) {
+        QList<FloorBox*> boxes;
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; i < count; ++i) {
+            boxes.append(new FloorBox(parent));
+            const double width = 800.0 / boxes.size();
+            for (int j = 0; j < boxes.size(); ++j)
+                boxes.at(j)->setShare(j * width, 50.0 + j * 4.5, width, 90.0);
+        }
+        times.append(double(timer.nsecsElapsed()));
+        qDeleteAll(boxes);
+    }
+    QTest::setBenchmarkResult(medianOf(times), QTest::WalltimeNanoseconds);
 }
 
 // The earliest booking leaves the cluster and comes back: every box changes its sub-column and its
