@@ -75,8 +75,12 @@ BkCalendar::BkCalendar(QWidget* parent, int flags)
 
 BkCalendar::~BkCalendar()
 {
+    // The view and its scene go with the form's children, after this body: their teardown deselects
+    // items and must not reach the form's signals and slots once the form itself is gone.
+    disconnect(mUi->cal->scene(), nullptr, this, nullptr);
+    disconnect(mUi->cal, nullptr, this, nullptr);
     // The bookings go with the model; what is unsaved at this moment is lost. Each booking clears its
-    // box's pointer to it as it goes, and the view goes with the form's children.
+    // boxes' pointers to it as it goes, and the view goes with the form's children.
     delete mModel;
     mModel = nullptr;
     delete mUi;

@@ -73,6 +73,7 @@ BkCalendarItem::~BkCalendarItem()
     // The widget survives its booking with no booking; it is neither deleted nor unfiled here.
     if (widget)
         widget->setItem(nullptr);
+    BkCalendarItemWidget::releaseOtherBoxes(this);
 }
 
 QVariant BkCalendarItem::resourceId() const

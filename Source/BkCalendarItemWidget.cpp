@@ -16,6 +16,7 @@
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
+#include <QHash>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QMimeData>
@@ -27,6 +28,7 @@
 #include <QStyleOptionGraphicsItem>
 #include <QTextBlock>
 #include <QTextLayout>
+#include <QVarLengthArray>
 
 #include <cmath>
 
@@ -43,6 +45,35 @@ int settingValue(const QString& key, const QString& fallback = QString())
 {
     FwApplication* app = FwApplication::app();
     return app ? app->getValue(key, fallback).toInt() : 0;
+}
+
+// A booking that two columns show at once (its user's and its resource's) has a box in each, but its
+// `widget` names only the newest. The older boxes are listed here under the booking, so that its
+// deletion reaches them as well and no box is left holding a deleted booking.
+using Boxes = QVarLengthArray<BkCalendarItemWidget*, 2>;
+
+QHash<const BkCalendarItem*, Boxes>& otherBoxes()
+{
+    static QHash<const BkCalendarItem*, Boxes> table;
+    return table;
+}
+
+void forgetOtherBox(const BkCalendarItem* item, BkCalendarItemWidget* box)
+{
+    QHash<const BkCalendarItem*, Boxes>& table = otherBoxes();
+    if (!item || table.isEmpty())
+        return;
+    const auto found = table.find(item);
+    if (found == table.end())
+        return;
+    for (int i = 0; i < found->size(); ++i) {
+        if (found->at(i) == box) {
+            found->remove(i);
+            break;
+        }
+    }
+    if (found->isEmpty())
+        table.erase(found);
 }
 
 } // namespace
@@ -68,8 +99,11 @@ BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeS
     , mScale(nullptr)
     , mScheme(nullptr)
 {
-    if (mItem)
+    if (mItem) {
+        if (mItem->widget && mItem->widget != this && mItem->widget->item() == mItem)
+            otherBoxes()[mItem].append(mItem->widget);
         mItem->widget = this;
+    }
     setFlags(QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable | QGraphicsItem::ItemIsFocusable |
              QGraphicsItem::ItemSendsGeometryChanges | QGraphicsItem::ItemSendsScenePositionChanges);
     setAcceptHoverEvents(true);
@@ -88,6 +122,23 @@ BkCalendarItemWidget::~BkCalendarItemWidget()
     mDeleting = true;
     if (mItem && mItem->widget == this)
         mItem->widget = nullptr;
+    forgetOtherBox(mItem, this);
+}
+
+void BkCalendarItemWidget::setItem(BkCalendarItem* item)
+{
+    if (item != mItem)
+        forgetOtherBox(mItem, this);
+    mItem = item;
+}
+
+void BkCalendarItemWidget::releaseOtherBoxes(const BkCalendarItem* item)
+{
+    if (otherBoxes().isEmpty())
+        return;
+    const Boxes boxes = otherBoxes().take(item);
+    for (BkCalendarItemWidget* box : boxes)
+        box->mItem = nullptr;
 }
 
 QRectF BkCalendarItemWidget::boundingRect() const
@@ -193,7 +244,7 @@ void BkCalendarItemWidget::itemRemoved(BkCalendarItem* item)
     if (!item || item != mItem)
         return;
     mItem->widget = nullptr;
-    mItem = nullptr;
+    setItem(nullptr);
     deleteLater();
 }
 

@@ -96,7 +96,10 @@ public:
     // The column writes the colours directly after construction.
     void setColorScheme(BkCalendarColorScheme* scheme) { mScheme = scheme; }
     // Written by the booking when it goes, so that the box outlives it with no booking.
-    void setItem(BkCalendarItem* item) { mItem = item; }
+    void setItem(BkCalendarItem* item);
+    // Called by a booking as it goes: the boxes of other columns that show it, beside its `widget`,
+    // outlive it with no booking too.
+    static void releaseOtherBoxes(const BkCalendarItem* item);
 
 signals:
     void itemActivated(BkCalendarItem* item);

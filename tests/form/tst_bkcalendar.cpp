@@ -109,6 +109,7 @@ private slots:
     void cleanupTestCase();
 
     void shouldBuildTheGeneratedLayout();
+    void shouldSendNothingWhileItGoes();
     void shouldStartWithOneDayOfToday();
     void shouldBuildThreeDocksWithTheirFinalNames();
     void shouldHaveNoDocksWithNoDocks();
@@ -207,6 +208,22 @@ void tst_BkCalendar::shouldBuildTheGeneratedLayout()
     int row = -1, column = -1, rowSpan = 0, columnSpan = 0;
     grid->getItemPosition(grid->indexOf(view), &row, &column, &rowSpan, &columnSpan);
     QCOMPARE(QList<int>({row, column, rowSpan, columnSpan}), QList<int>({0, 0, 1, 1}));
+}
+
+void tst_BkCalendar::shouldSendNothingWhileItGoes()
+{
+    // Taking down the view deselects its column and boxes; by then the form itself is gone, and
+    // nothing of it may speak any more.
+    auto* form = new BkCalendar(nullptr, AllShows);
+    BkCalendarColumn* column = form->view()->getColumnList().first();
+    column->setSelected(true);
+    QVERIFY(column->isSelected());
+    int sent = 0;
+    QObject watcher;
+    connect(form, &BkCalendar::selectionChanged, &watcher, [&sent] { ++sent; });
+    connect(form, &BkCalendar::dateSelected, &watcher, [&sent] { ++sent; });
+    delete form;
+    QCOMPARE(sent, 0);
 }
 
 void tst_BkCalendar::shouldStartWithOneDayOfToday()

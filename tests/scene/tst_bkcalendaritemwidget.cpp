@@ -40,6 +40,9 @@ private slots:
     void shouldLayOutColumnWhenUpdated();
     void shouldLeaveBookingWhenDeleted();
     void shouldSurviveItsBooking();
+    void shouldLetEveryBoxOfABookingSurviveIt_data();
+    void shouldLetEveryBoxOfABookingSurviveIt();
+    void shouldKeepTheOtherBookingOfABoxGivenOne();
     void shouldDoNothingWithoutScale();
 };
 
@@ -443,6 +446,67 @@ void tst_BkCalendarItemWidget::shouldSurviveItsBooking()
     widget->itemChanged(nullptr);
     widget->itemRemoved(nullptr);
     QVERIFY(widget);
+}
+
+void tst_BkCalendarItemWidget::shouldLetEveryBoxOfABookingSurviveIt_data()
+{
+    // Which box goes before the booking does, if any: the older, the newer or none.
+    QTest::addColumn<int>("goesFirst");
+    QTest::newRow("both boxes stay") << -1;
+    QTest::newRow("the older box goes first") << 0;
+    QTest::newRow("the newer box goes first") << 1;
+}
+
+void tst_BkCalendarItemWidget::shouldLetEveryBoxOfABookingSurviveIt()
+{
+    // A booking of a user and a resource stands in both their columns, with a box in each; it names
+    // only the newer one. Each box that is left must lose the booking when the booking goes.
+    QFETCH(int, goesFirst);
+    BkColumnFixture users;
+    BkColumnFixture resources;
+    auto* item = new BkCalendarItem();
+    item->setTime(QTime(9, 0), QTime(10, 0));
+    QPointer<BkCalendarItemWidget> boxes[2];
+    boxes[0] = new BkCalendarItemWidget(item, users.scale, users.column);
+    boxes[1] = new BkCalendarItemWidget(item, resources.scale, resources.column);
+    QCOMPARE(item->widget, boxes[1].data());
+    if (goesFirst >= 0)
+        delete boxes[goesFirst].data();
+    QCOMPARE(item->widget, goesFirst == 1 ? nullptr : boxes[1].data());
+
+    delete item;
+    for (int i = 0; i < 2; ++i) {
+        QCOMPARE(bool(boxes[i]), i != goesFirst);
+        if (boxes[i])
+            QVERIFY(!boxes[i]->item());
+    }
+    // What is left draws nothing and takes no more part.
+    QImage image(50, 50, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    QStyleOptionGraphicsItem option;
+    for (const QPointer<BkCalendarItemWidget>& box : boxes)
+        if (box)
+            box->paint(&painter, &option, nullptr);
+    painter.end();
+    QCOMPARE(image.pixelColor(10, 10), QColor(Qt::white));
+}
+
+void tst_BkCalendarItemWidget::shouldKeepTheOtherBookingOfABoxGivenOne()
+{
+    BkColumnFixture fixture;
+    auto* first = new BkCalendarItem();
+    first->setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItem second;
+    second.setTime(QTime(11, 0), QTime(12, 0));
+    auto* older = new BkCalendarItemWidget(first, fixture.scale, fixture.column);
+    auto* newer = new BkCalendarItemWidget(first, fixture.scale, fixture.column);
+    older->setItem(&second);
+    delete first;
+    QCOMPARE(older->item(), &second);
+    QVERIFY(!newer->item());
+    delete older;
+    delete newer;
 }
 
 void tst_BkCalendarItemWidget::shouldDoNothingWithoutScale()

@@ -8,6 +8,7 @@
 #include <BkCalendarHeader.h>
 #include <BkCalendarInfoWidget.h>
 #include <BkCalendarItem.h>
+#include <BkCalendarItemWidget.h>
 #include <BkCalendarModel.h>
 #include <BkCalendarScene.h>
 #include <BkCalendarTimeScale.h>
@@ -18,6 +19,7 @@
 
 #include <QGraphicsSceneDragDropEvent>
 #include <QMimeData>
+#include <QPointer>
 #include <QScrollBar>
 #include <QSignalSpy>
 
@@ -126,6 +128,7 @@ private slots:
     void shouldSelectTheResourceColumnByTypeAndId();
     void shouldKeepTheInfoWidgetUntilTheNextGroup();
     void shouldBuildResourceColumnsWithGrip();
+    void shouldLeaveNoBoxWithADeletedBookingOfUserAndResource();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
     void shouldStretchTheSceneToTheLeftEdge();
@@ -479,6 +482,35 @@ void tst_BkCalendarView::shouldLeaveResourceColumnsAloneOnSetResource()
     QCOMPARE(f.view.getColumnList().at(1)->resource().id.toInt(), 2);
     // Not even the highlight follows until the next group.
     QCOMPARE(selectedIndices(f.view), QList<int>{});
+}
+
+void tst_BkCalendarView::shouldLeaveNoBoxWithADeletedBookingOfUserAndResource()
+{
+    // The booking of user 4 in room 9 stands in both columns of the group. Clearing the model deletes
+    // it while both boxes stay on the screen until the next rebuild: both lose it, and the view paints.
+    ViewFixture f;
+    f.view.resize(600, 400);
+    f.view.setDate(Wednesday);
+    f.view.setResources(
+        {BkCalendarResource(4, QStringLiteral("Anna"), 0), BkCalendarResource(9, QStringLiteral("Room"), 1)});
+    BkCalendarItem* item = addBooking(f.model, 1, Wednesday, 4, QTime(9, 0), QTime(10, 0));
+    item->setResourceId(9);
+    f.view.updateWidgets();
+    QList<QPointer<BkCalendarItemWidget>> boxes;
+    for (BkCalendarColumn* column : f.view.getColumnList()) {
+        for (QGraphicsItem* child : column->childItems())
+            if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
+                boxes << box;
+    }
+    QCOMPARE(boxes.size(), 2);
+    QVERIFY(boxes.at(0)->item() == item && boxes.at(1)->item() == item);
+
+    f.model.clear();
+    for (const QPointer<BkCalendarItemWidget>& box : qAsConst(boxes)) {
+        QVERIFY(box);
+        QVERIFY(!box->item());
+    }
+    QVERIFY(!f.view.grab().isNull());
 }
 
 void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()

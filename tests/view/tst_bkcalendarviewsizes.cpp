@@ -334,18 +334,20 @@ void tst_BkCalendarViewSizes::shouldRelayOutOnScaleChanges()
     item->setTime(QTime(9, 0), QTime(10, 0));
     shown.model.addItem(item);
     QVERIFY(item->widget);
-    const QGraphicsItem* box = item->widget;
-    QCOMPARE(box->pos().y(), 50.0 + 180 * 1.5);
+    QCOMPARE(item->widget->pos().y(), 50.0 + 180 * 1.5);
 
+    // Each change of the scale rebuilds the columns' boxes, so the booking's box is read anew.
     shown.view.setMinuteHeight(2.0);
     QCOMPARE(shown.view.minuteHeight(), 2.0);
     QCOMPARE(shown.view.timeScale()->minuteHeight(), 2.0f);
-    QCOMPARE(box->pos().y(), 50.0 + 180 * 2.0);
+    QVERIFY(item->widget);
+    QCOMPARE(item->widget->pos().y(), 50.0 + 180 * 2.0);
 
     shown.view.setInterval(QTime(8, 0), QTime(18, 0));
     QCOMPARE(shown.view.timeScale()->start(), QTime(8, 0));
     QCOMPARE(shown.view.timeScale()->end(), QTime(18, 0));
-    QCOMPARE(box->pos().y(), 50.0 + 60 * 2.0);
+    QVERIFY(item->widget);
+    QCOMPARE(item->widget->pos().y(), 50.0 + 60 * 2.0);
 
     shown.view.setTimeSteps(30);
     QCOMPARE(shown.view.timeScale()->timeSteps(), 30);
