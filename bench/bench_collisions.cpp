@@ -57,6 +57,46 @@ private:
     QRectF mRect;
 };
 
+// The host hands the day's bookings over one by one, as it answers a load request; each new box joins
+// the layout at once.
+QList<BkCalendarItem*> arrive(Day& day, int count)
+{
+    QList<BkCalendarItem*> items;
+    for (int i = 0; i < count; ++i) {
+        auto* item = new BkCalendarItem();
+        item->setDate(day.date);
+        item->setUserId(day.resource.id);
+        const QTime start = QTime(8, 0).addSecs(i * 180);
+        item->setTime(start, start.addSecs(3600));
+        day.model.addItem(item);
+        items.append(item);
+    }
+    return items;
+}
+
+// The bookings leave the store: their boxes lose them at once and are deleted together afterwards,
+// each deletion laying out the rest.
+void leave(Day& day, const QList<BkCalendarItem*>& items)
+{
+    for (BkCalendarItem* item : items)
+        day.model.removeItem(item);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+// Qt's floor for an arrival: as many plain items, made one by one, and at each new one every item
+// takes its new width and place, as the boxes do.
+QList<FloorBox*> floorArrive(QGraphicsItem* parent, int count)
+{
+    QList<FloorBox*> boxes;
+    for (int i = 0; i < count; ++i) {
+        boxes.append(new FloorBox(parent));
+        const double width = 800.0 / boxes.size();
+        for (int j = 0; j < boxes.size(); ++j)
+            boxes.at(j)->setShare(j * width, 50.0 + j * 4.5, width, 90.0);
+    }
+    return boxes;
+}
+
 // The arrival alone, without the removal that readies the next round: the median of as many rounds,
 // each timed by itself.
 const int ArrivalRounds = 21;
@@ -114,8 +154,7 @@ void bench_Collisions::buildColumn()
     QCOMPARE(day.items.first()->widget->colCount(), count);
 }
 
-// The host hands the day's bookings over one by one, as it answers a load request; each new box
-// joins the layout at once.
+// The day's bookings arrive one by one and leave again.
 void bench_Collisions::addBookingsOneByOne()
 {
     QFETCH(int, count);
@@ -124,19 +163,8 @@ void bench_Collisions::addBookingsOneByOne()
     QBENCHMARK
     {
         qDeleteAll(items);
-        items.clear();
-        for (int i = 0; i < count; ++i) {
-            auto* item = new BkCalendarItem();
-            item->setDate(day.date);
-            item->setUserId(day.resource.id);
-            const QTime start = QTime(8, 0).addSecs(i * 180);
-            item->setTime(start, start.addSecs(3600));
-            day.model.addItem(item);
-            items.append(item);
-        }
-        for (BkCalendarItem* item : qAsConst(items))
-            day.model.removeItem(item);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        items = arrive(day, count);
+        leave(day, items);
     }
     qDeleteAll(items);
 }
@@ -149,17 +177,9 @@ void bench_Collisions::qtFloorOneByOne()
     QFETCH(int, count);
     Day day(0);
     QGraphicsRectItem* parent = day.scene.addRect(QRectF(0, 0, 805, 1300));
-    QList<FloorBox*> boxes;
     QBENCHMARK
     {
-        for (int i = 0; i < count; ++i) {
-            boxes.append(new FloorBox(parent));
-            const double width = 800.0 / boxes.size();
-            for (int j = 0; j < boxes.size(); ++j)
-                boxes.at(j)->setShare(j * width, 50.0 + j * 4.5, width, 90.0);
-        }
-        qDeleteAll(boxes);
-        boxes.clear();
+        qDeleteAll(floorArrive(parent, count));
     }
 }
 
@@ -171,29 +191,18 @@ void bench_Collisions::arriveOneByOne()
     Day day(0);
     QVector<double> times;
     for (int round = 0; round < ArrivalRounds; ++round) {
-        QList<BkCalendarItem*> items;
         QElapsedTimer timer;
         timer.start();
-        for (int i = 0; i < count; ++i) {
-            auto* item = new BkCalendarItem();
-            item->setDate(day.date);
-            item->setUserId(day.resource.id);
-            const QTime start = QTime(8, 0).addSecs(i * 180);
-            item->setTime(start, start.addSecs(3600));
-            day.model.addItem(item);
-            items.append(item);
-        }
+        const QList<BkCalendarItem*> items = arrive(day, count);
         times.append(double(timer.nsecsElapsed()));
         QCOMPARE(items.first()->widget->colCount(), count);
-        for (BkCalendarItem* item : qAsConst(items))
-            day.model.removeItem(item);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        leave(day, items);
         qDeleteAll(items);
     }
     QTest::setBenchmarkResult(medianOf(times), QTest::WalltimeNanoseconds);
 }
 
-// Qt's floor for the arrival: the additions of qtFloorOneByOne alone, timed as above.
+// Qt's floor for the arrival alone, timed as above.
 void bench_Collisions::qtFloorArrival()
 {
     QFETCH(int, count);
@@ -201,15 +210,9 @@ void bench_Collisions::qtFloorArrival()
     QGraphicsRectItem* parent = day.scene.addRect(QRectF(0, 0, 805, 1300));
     QVector<double> times;
     for (int round = 0; round < ArrivalRounds; ++round) {
-        QList<FloorBox*> boxes;
         QElapsedTimer timer;
         timer.start();
-        for (int i = 0; i < count; ++i) {
-            boxes.append(new FloorBox(parent));
-            const double width = 800.0 / boxes.size();
-            for (int j = 0; j < boxes.size(); ++j)
-                boxes.at(j)->setShare(j * width, 50.0 + j * 4.5, width, 90.0);
-        }
+        const QList<FloorBox*> boxes = floorArrive(parent, count);
         times.append(double(timer.nsecsElapsed()));
         qDeleteAll(boxes);
     }
