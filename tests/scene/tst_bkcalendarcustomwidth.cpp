@@ -3,6 +3,8 @@
 
 #include "BkBookingScene.h"
 #include "BkCalendarHeader.h"
+#include "BkCalendarModel.h"
+#include "BkCalendarView.h"
 #include "FwTestApplication.h"
 
 #include <QGraphicsSceneContextMenuEvent>
@@ -82,6 +84,8 @@ private slots:
     void savedWidthComesBackForTheSameTypeAndId();
     void firstMatchIsReadLastMatchIsRemoved();
     void malformedEntriesAreLeftAlone();
+    void widthBeyondAnyScreenIsNoWidth_data();
+    void widthBeyondAnyScreenIsNoWidth();
     void contextMenuRemovesTheCustomSize();
     void contextMenuOnADayColumn();
 };
@@ -334,6 +338,38 @@ void tst_BkCalendarCustomWidth::malformedEntriesAreLeftAlone()
     BkCalendarColumn* fresh = t.addColumn(Day, Room7, true, 1);
     fresh->initSavedValue();
     QCOMPARE(fresh->widthScale(), 200.0);
+}
+
+void tst_BkCalendarCustomWidth::widthBeyondAnyScreenIsNoWidth_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<double>("width");
+    QTest::newRow("huge") << QStringLiteral("1|7|1e300") << 200.0;
+    QTest::newRow("beyond Qt's widest widget") << QStringLiteral("1|7|16777216") << 200.0;
+    QTest::newRow("Qt's widest widget") << QStringLiteral("1|7|16777215") << 16777215.0;
+}
+
+void tst_BkCalendarCustomWidth::widthBeyondAnyScreenIsNoWidth()
+{
+    // A width that no widget can have comes from a hand-edited list; taken, it would overflow the
+    // whole-pixel arithmetic of the view and of Qt. It is no width, and the view stays usable.
+    QFETCH(QString, entry);
+    QFETCH(double, width);
+    storeLayout(QStringList() << entry);
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    column->initSavedValue();
+    QCOMPARE(column->widthScale(), width);
+    QCOMPARE(column->customSize(), width != 200.0);
+
+    BkCalendarModel model;
+    BkCalendarView view;
+    view.setModel(&model);
+    view.resize(600, 400);
+    view.setDate(Day);
+    view.setResources({Room7});
+    QCOMPARE(view.getColumnList().first()->customSize(), width != 200.0);
+    QVERIFY(!view.grab().isNull());
 }
 
 void tst_BkCalendarCustomWidth::contextMenuRemovesTheCustomSize()
