@@ -40,6 +40,10 @@ void BkCalendarList::updateModel()
     connect(mModel, &BkCalendarModel::itemChanged, this, &BkCalendarList::itemChanged);
     connect(mModel, &BkCalendarModel::itemRemoved, this, &BkCalendarList::itemRemoved);
     connect(mModel, &BkCalendarModel::itemAdded, this, &BkCalendarList::itemAdded);
+    // A clear deletes the bookings without a removal each; their rows stay with what they copied, but
+    // the list forgets whose they were, so that a new booking at a freed address gets a row of its
+    // own instead of taking an old one for its own.
+    connect(mModel, &BkCalendarModel::reset, this, [this] { mRows.clear(); });
     update();
 }
 

@@ -2,6 +2,7 @@
 #define BKCALENDARCOLUMN_H
 
 #include "BkCalendarItemKind.h"
+#include "BkCalendarModel.h"
 #include "BkCalendarRecords.h"
 #include "FwCalendarGlobal.h"
 
@@ -10,6 +11,7 @@
 #include <QList>
 #include <QObject>
 #include <QPoint>
+#include <QPointer>
 #include <QRectF>
 #include <QTime>
 
@@ -19,7 +21,6 @@ class BkCalendarColorScheme;
 class BkCalendarHeader;
 class BkCalendarItem;
 class BkCalendarItemWidget;
-class BkCalendarModel;
 class BkCalendarTimeScale;
 class QPainter;
 
@@ -156,7 +157,8 @@ private:
     BkCalendarItemWidget* makeWidget(BkCalendarItem* item);
 
     QRectF mRect;
-    BkCalendarModel* mModel;
+    // Not owned; the host may delete the model first, and then it reads as none.
+    QPointer<BkCalendarModel> mModel;
     BkCalendarHeader* mHeader;
     WidthType mWidthType;
     Raise mRaise;

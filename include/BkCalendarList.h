@@ -2,15 +2,16 @@
 #define BKCALENDARLIST_H
 
 #include "BkCalendarColorScheme.h"
+#include "BkCalendarModel.h"
 #include "BkCalendarRecords.h"
 #include "FwCalendarGlobal.h"
 
 #include <QDate>
 #include <QHash>
 #include <QListWidget>
+#include <QPointer>
 
 class BkCalendarItem;
-class BkCalendarModel;
 
 // The job list: one person's or one resource's bookings of one day, as painted cards. A second view of
 // the model beside the columns; each row holds a copy of what it shows, so painting never touches the
@@ -67,7 +68,8 @@ private:
     QHash<BkCalendarItem*, QListWidgetItem*> mRows;
     QDate mDate;
     BkCalendarResource mResource;
-    BkCalendarModel* mModel = nullptr;
+    // Not owned; the host may delete the model first, and then it reads as none.
+    QPointer<BkCalendarModel> mModel;
     BkCalendarColorScheme mColorScheme;
 };
 

@@ -1,11 +1,11 @@
 #ifndef BKCALENDARSCENE_H
 #define BKCALENDARSCENE_H
 
+#include "BkCalendarModel.h"
 #include "FwCalendarGlobal.h"
 
 #include <QGraphicsScene>
-
-class BkCalendarModel;
+#include <QPointer>
 
 // The view's scene. A booking dragged out of the scene altogether goes back to where it was
 // before the drag, so that a drag which ends outside the calendar leaves no preview behind.
@@ -25,7 +25,8 @@ protected:
     void dragLeaveEvent(QGraphicsSceneDragDropEvent* event) override;
 
 private:
-    BkCalendarModel* mModel = nullptr;
+    // Not owned; the host may delete the model first, and then it reads as none.
+    QPointer<BkCalendarModel> mModel;
 };
 
 #endif // BKCALENDARSCENE_H

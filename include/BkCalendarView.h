@@ -3,6 +3,7 @@
 
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
+#include "BkCalendarModel.h"
 #include "BkCalendarRecords.h"
 #include "FwCalendarGlobal.h"
 
@@ -10,11 +11,11 @@
 #include <QGraphicsView>
 #include <QList>
 #include <QPoint>
+#include <QPointer>
 #include <QTime>
 
 class BkCalendarInfoWidget;
 class BkCalendarItem;
-class BkCalendarModel;
 class BkCalendarPlan;
 class BkCalendarScene;
 class BkCalendarTimeScale;
@@ -105,7 +106,8 @@ private:
     void showInfo(int type);
     void saveGroup();
 
-    BkCalendarModel* mModel;
+    // Not owned; the host may delete the model first, and then it reads as none.
+    QPointer<BkCalendarModel> mModel;
     BkCalendarTimeScale* mScale;
     BkCalendarInfoWidget* mInfo;
     int mDayMode;

@@ -80,6 +80,8 @@ private slots:
     void shouldDropARemovedBooking();
     void shouldShowReservedBookings();
     void shouldMakeOneRowForABookingLoadedWhileReading();
+    void shouldKeepOldRowsAndShowNewBookingsAfterAClear();
+    void shouldKeepItsRowsWhenItsModelIsGone();
 };
 
 void tst_BkCalendarList::init()
@@ -351,6 +353,61 @@ void tst_BkCalendarList::shouldMakeOneRowForABookingLoadedWhileReading()
     QCOMPARE(titles(j.list), QStringList{QStringLiteral("loaded")});
     QCOMPARE(j.list.rows().count(), 1);
     QCOMPARE(j.list.rows().value(j.model.findId(1)), j.list.item(0));
+}
+
+void tst_BkCalendarList::shouldKeepOldRowsAndShowNewBookingsAfterAClear()
+{
+    // A clear deletes the bookings without a word to the list, which keeps their rows. The host then
+    // loads the day again: new bookings, which the allocator may well place where the old ones were,
+    // each get a row of their own, and the old rows are never mistaken for theirs.
+    JobList j;
+    j.list.setResource(Anna);
+    j.list.setDate(Wednesday);
+    for (int id = 1; id <= 3; ++id)
+        booking(j.model, id, Wednesday, Anna, QTime(8 + id, 0), QTime(9 + id, 0),
+                QStringLiteral("old %1").arg(id));
+    QCOMPARE(j.list.count(), 3);
+
+    j.model.clear();
+    QCOMPARE(j.list.count(), 3);
+    for (int id = 1; id <= 3; ++id)
+        booking(j.model, id, Wednesday, Anna, QTime(8 + id, 30), QTime(9 + id, 30),
+                QStringLiteral("new %1").arg(id));
+    QStringList shown = titles(j.list);
+    shown.sort();
+    QCOMPARE(shown, QStringList({QStringLiteral("new 1"), QStringLiteral("new 2"), QStringLiteral("new 3"),
+                                 QStringLiteral("old 1"), QStringLiteral("old 2"), QStringLiteral("old 3")}));
+
+    // A change of a new booking rewrites its own row only.
+    BkCalendarItem* first = j.model.findId(1);
+    QVERIFY(first);
+    first->setTitle(QStringLiteral("renamed"));
+    shown = titles(j.list);
+    shown.sort();
+    QCOMPARE(shown,
+             QStringList({QStringLiteral("new 2"), QStringLiteral("new 3"), QStringLiteral("old 1"),
+                          QStringLiteral("old 2"), QStringLiteral("old 3"), QStringLiteral("renamed")}));
+}
+
+void tst_BkCalendarList::shouldKeepItsRowsWhenItsModelIsGone()
+{
+    // The list does not own its model. Deleted first, the model leaves the list without one: the rows
+    // keep what they copied, and later dates and keys change nothing, as without a model.
+    BkCalendarList list;
+    auto* model = new BkCalendarModel;
+    list.setCalendarModel(model);
+    list.updateModel();
+    list.setResource(Anna);
+    list.setDate(Wednesday);
+    booking(*model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0), QStringLiteral("mine"));
+    QCOMPARE(list.count(), 1);
+
+    delete model;
+    QVERIFY(!list.calendarModel());
+    QCOMPARE(titles(list), QStringList{QStringLiteral("mine")});
+    list.setDate(Wednesday.addDays(1));
+    list.setResource(Ben);
+    QCOMPARE(titles(list), QStringList{QStringLiteral("mine")});
 }
 
 FW_TEST_MAIN(tst_BkCalendarList)

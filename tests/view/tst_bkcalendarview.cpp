@@ -131,6 +131,7 @@ private slots:
     void shouldLeaveNoBoxWithADeletedBookingOfUserAndResource();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
+    void shouldShowNothingOnceItsModelIsGone();
     void shouldStretchTheSceneToTheLeftEdge();
     void shouldScrollOnlyOnPlainArrows_data();
     void shouldScrollOnlyOnPlainArrows();
@@ -653,6 +654,37 @@ void tst_BkCalendarView::shouldHandTheModelAndRaiseToEveryColumn()
         QCOMPARE(column->raise(), BkCalendarColumn::RaiseOnHover);
     }
     QCOMPARE(view.raiseMode(), BkCalendarColumn::RaiseOnHover);
+}
+
+void tst_BkCalendarView::shouldShowNothingOnceItsModelIsGone()
+{
+    // The view does not own its model, and a host may delete it first: the view, its scene and its
+    // columns then have no model, show no bookings, and go on working.
+    BkCalendarView view;
+    auto* model = new BkCalendarModel;
+    view.setModel(model);
+    view.resize(600, 400);
+    view.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    view.setDate(Wednesday);
+    view.setDays(1);
+    BkCalendarItem* item = addBooking(*model, 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    QPointer<BkCalendarItemWidget> box = item->widget;
+    QVERIFY(box);
+
+    delete model;
+    QVERIFY(!view.model());
+    QVERIFY(!view.calendarScene()->model());
+    for (BkCalendarColumn* column : view.getColumnList())
+        QVERIFY(!column->model());
+    QVERIFY(!box || !box->item());
+    QVERIFY(!view.grab().isNull());
+
+    view.setDate(Wednesday.addDays(1));
+    view.setDays(3);
+    QCOMPARE(view.getColumnList().size(), 3);
+    for (BkCalendarColumn* column : view.getColumnList())
+        QVERIFY(column->getItems(false).isEmpty());
+    QVERIFY(!view.grab().isNull());
 }
 
 void tst_BkCalendarView::shouldStretchTheSceneToTheLeftEdge()
