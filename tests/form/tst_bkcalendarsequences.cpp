@@ -1,0 +1,202 @@
+// Long random sequences of what a host and its user do to the form: show modes, dates, groups, scale
+// changes, bookings and plans added, moved, removed and cleared, saves and rollbacks, repaints. After
+// every step the boxes and the bookings must still agree. Under the sanitizer build the same
+// sequences also catch any use of a box or a booking after it is gone.
+
+#include "FwTestApplication.h"
+
+#include <BkCalendar.h>
+#include <BkCalendarClock.h>
+#include <BkCalendarColumn.h>
+#include <BkCalendarItem.h>
+#include <BkCalendarItemWidget.h>
+#include <BkCalendarModel.h>
+#include <BkCalendarView.h>
+
+#include <QGraphicsItem>
+#include <QRandomGenerator>
+#include <QSet>
+#include <QtTest>
+
+#include <algorithm>
+
+namespace {
+
+const QDate Wednesday(2026, 11, 25);
+const int Steps = 400;
+
+const QList<BkCalendarResource>& people()
+{
+    static const QList<BkCalendarResource> list{BkCalendarResource(1, QStringLiteral("Anna"), 0),
+                                                BkCalendarResource(2, QStringLiteral("Ben"), 0),
+                                                BkCalendarResource(1, QStringLiteral("Room 1"), 1),
+                                                BkCalendarResource(3, QStringLiteral("Room 3"), 1)};
+    return list;
+}
+
+// What a box may hold: nothing, once its booking is gone or removed, or a booking that its model
+// still files under the box's column.
+void checkBoxes(BkCalendar& form)
+{
+    BkCalendarModel* model = form.model();
+    for (BkCalendarColumn* column : form.view()->getColumnList()) {
+        for (QGraphicsItem* child : column->childItems()) {
+            auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
+            if (!box || !box->item())
+                continue;
+            BkCalendarItem* item = box->item();
+            QCOMPARE(item->model, model);
+            QVERIFY(model->items(column->date(), column->resource()).contains(item));
+        }
+    }
+}
+
+} // namespace
+
+class tst_BkCalendarSequences : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0))); }
+    void cleanup() { BkCalendarClock::setFixedNow(QDateTime()); }
+
+    void shouldKeepBoxesAndBookingsInStepThroughoutASequence_data();
+    void shouldKeepBoxesAndBookingsInStepThroughoutASequence();
+};
+
+void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequence_data()
+{
+    QTest::addColumn<quint32>("seed");
+    for (quint32 seed = 1; seed <= 12; ++seed)
+        QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << seed;
+}
+
+void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequence()
+{
+    QFETCH(quint32, seed);
+    QRandomGenerator random(seed);
+    auto* form = new BkCalendar(nullptr, BkCalendar::NoDocks | BkCalendar::Show1Day | BkCalendar::Show5Day |
+                                             BkCalendar::Show7Day | BkCalendar::ShowGroup);
+    form->resize(900, 600);
+    form->show();
+    BkCalendarModel* model = form->model();
+    form->setResource(people().at(0));
+    form->setResourceList(people());
+    form->setDate(Wednesday);
+    // Saves go nowhere; what matters is that the bookings they hand over are the model's own.
+    connect(model, &BkCalendarModel::saveItems, this, [model](const QList<BkCalendarItem*>& items) {
+        for (BkCalendarItem* item : items)
+            QCOMPARE(item->model, model);
+    });
+
+    int nextId = 1;
+    QList<BkCalendarItem*> removed;
+    auto someItem = [&]() -> BkCalendarItem* {
+        const QList<BkCalendarItem*> all = model->allItems();
+        return all.isEmpty() ? nullptr : all.at(random.bounded(all.size()));
+    };
+    auto someDay = [&]() { return Wednesday.addDays(random.bounded(-3, 4)); };
+    auto someTime = [&]() { return QTime(7, 0).addSecs(15 * 60 * random.bounded(40)); };
+
+    for (int step = 0; step < Steps; ++step) {
+        const int what = random.bounded(20);
+        switch (what) {
+        case 0:
+            form->show1Day();
+            break;
+        case 1:
+            form->show5Day();
+            break;
+        case 2:
+            form->show7Day();
+            break;
+        case 3:
+            form->showGroup();
+            break;
+        case 4:
+            form->setDate(someDay());
+            break;
+        case 5: {
+            QList<BkCalendarResource> group = people();
+            std::shuffle(group.begin(), group.end(), random);
+            group = group.mid(0, 1 + random.bounded(group.size()));
+            form->setResourceList(group);
+            form->showGroup();
+            break;
+        }
+        case 6:
+            form->setTimeSteps(random.bounded(2) ? 15 : 30);
+            form->setInterval(QTime(6 + random.bounded(3), 0), QTime(17 + random.bounded(4), 0));
+            break;
+        case 7:
+        case 8:
+        case 9:
+        case 10:
+            // Bookings of a person, of a room, or of both: the last stand in two columns of a group.
+            for (int n = 0; n < 3; ++n) {
+                auto* item = new BkCalendarItem;
+                item->id = nextId++;
+                item->setType(random.bounded(2) ? BkCalendarItem::Meeting : BkCalendarItem::ItemType(0));
+                item->setTitle(QStringLiteral("Booking %1").arg(item->id.toInt()));
+                item->setText(QStringLiteral("<b>Text</b> %1").arg(item->id.toInt()));
+                item->setDate(someDay());
+                const int who = random.bounded(3);
+                if (who != 1)
+                    item->setUserId(random.bounded(1, 3));
+                if (who != 0)
+                    item->setResourceId(random.bounded(2) ? 1 : 3);
+                const QTime start = someTime();
+                item->setTime(start, start.addSecs(60 * (15 + 15 * random.bounded(6))));
+                model->addItem(item);
+            }
+            break;
+        case 11:
+            if (BkCalendarItem* item = someItem()) {
+                const QTime start = someTime();
+                item->setTime(start, start.addSecs(60 * 30));
+            }
+            break;
+        case 12:
+            if (BkCalendarItem* item = someItem())
+                item->setDate(someDay());
+            break;
+        case 13:
+            if (BkCalendarItem* item = someItem())
+                item->setUserId(random.bounded(2) ? QVariant(random.bounded(1, 3)) : QVariant());
+            break;
+        case 14:
+            if (BkCalendarItem* item = someItem()) {
+                model->removeItem(item);
+                removed << item;
+            }
+            break;
+        case 15:
+            model->rollback();
+            break;
+        case 16:
+            // Saved first: the host must not clear with bookings unsaved.
+            model->commitToDatabase();
+            if (random.bounded(6) == 0)
+                form->clear();
+            break;
+        case 17:
+            model->commitToDatabase();
+            break;
+        default:
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            QVERIFY(!form->view()->grab().isNull());
+            break;
+        }
+        checkBoxes(*form);
+        if (QTest::currentTestFailed())
+            QFAIL(qPrintable(QStringLiteral("after step %1 (%2)").arg(step).arg(what)));
+    }
+    model->commitToDatabase();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    delete form;
+    qDeleteAll(removed);
+}
+
+FW_TEST_MAIN(tst_BkCalendarSequences)
+#include "tst_bkcalendarsequences.moc"
