@@ -117,7 +117,7 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
     auto someTime = [&]() { return QTime(7, 0).addSecs(15 * 60 * random.bounded(40)); };
 
     for (int step = 0; step < Steps; ++step) {
-        const int what = random.bounded(20);
+        const int what = random.bounded(23);
         switch (what) {
         case 0:
             form->show1Day();
@@ -200,6 +200,32 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
         case 17:
             model->commitToDatabase();
             break;
+        case 20: {
+            // A box of the screen takes the focus, and the user moves it a step with an arrow key.
+            QList<BkCalendarItemWidget*> boxes;
+            for (QGraphicsItem* item : form->view()->scene()->items())
+                if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(item))
+                    if (box->item())
+                        boxes << box;
+            if (boxes.isEmpty())
+                break;
+            BkCalendarItemWidget* box = boxes.at(random.bounded(boxes.size()));
+            form->view()->scene()->clearSelection();
+            box->setSelected(true);
+            box->setFocus();
+            QKeyEvent key(QEvent::KeyPress, random.bounded(2) ? Qt::Key_Up : Qt::Key_Down, Qt::NoModifier);
+            QCoreApplication::sendEvent(form->view()->scene(), &key);
+            break;
+        }
+        case 21:
+        case 22: {
+            // The form's keys: through the columns and bookings, a day back or forward, and a booking
+            // parked on the move list and taken back.
+            static const Qt::Key keys[] = {Qt::Key_Left,   Qt::Key_Right,    Qt::Key_Up, Qt::Key_Down,
+                                           Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_X,  Qt::Key_V};
+            QTest::keyClick(form, keys[random.bounded(8)], Qt::ControlModifier);
+            break;
+        }
         default:
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             QVERIFY(!form->view()->grab().isNull());
