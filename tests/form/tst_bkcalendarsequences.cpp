@@ -92,8 +92,8 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
     QFETCH(quint32, seed);
     QRandomGenerator random(seed);
     // Every other sequence runs with the docks: the date picker, the job list and the move list.
-    const int docks = seed % 2 ? 0 : int(BkCalendar::NoDocks);
-    auto* form = new BkCalendar(nullptr, docks | BkCalendar::Show1Day | BkCalendar::Show5Day |
+    const int noDocks = seed % 2 ? 0 : int(BkCalendar::NoDocks);
+    auto* form = new BkCalendar(nullptr, noDocks | BkCalendar::Show1Day | BkCalendar::Show5Day |
                                              BkCalendar::Show7Day | BkCalendar::ShowGroup);
     form->resize(900, 600);
     form->show();
