@@ -100,7 +100,7 @@ BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeS
     , mScheme(nullptr)
 {
     if (mItem) {
-        if (mItem->widget && mItem->widget != this && mItem->widget->item() == mItem)
+        if (mItem->widget && mItem->widget->item() == mItem)
             otherBoxes()[mItem].append(mItem->widget);
         mItem->widget = this;
     }

@@ -101,10 +101,20 @@ QList<FloorBox*> floorArrive(QGraphicsItem* parent, int count)
 // each timed by itself.
 const int ArrivalRounds = 21;
 
-double medianOf(QVector<double> values)
+// Reports the median time of `arrive` over the rounds; `leave` takes what arrived and readies the
+// next round, untimed.
+template <typename Arrive, typename Leave> void reportMedianArrival(Arrive arrive, Leave leave)
 {
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
+    QVector<double> times;
+    for (int round = 0; round < ArrivalRounds; ++round) {
+        QElapsedTimer timer;
+        timer.start();
+        const auto arrived = arrive();
+        times.append(double(timer.nsecsElapsed()));
+        leave(arrived);
+    }
+    std::sort(times.begin(), times.end());
+    QTest::setBenchmarkResult(times.at(times.size() / 2), QTest::WalltimeNanoseconds);
 }
 
 void addSizes()
@@ -189,17 +199,12 @@ void bench_Collisions::arriveOneByOne()
 {
     QFETCH(int, count);
     Day day(0);
-    QVector<double> times;
-    for (int round = 0; round < ArrivalRounds; ++round) {
-        QElapsedTimer timer;
-        timer.start();
-        const QList<BkCalendarItem*> items = arrive(day, count);
-        times.append(double(timer.nsecsElapsed()));
-        QCOMPARE(items.first()->widget->colCount(), count);
-        leave(day, items);
-        qDeleteAll(items);
-    }
-    QTest::setBenchmarkResult(medianOf(times), QTest::WalltimeNanoseconds);
+    reportMedianArrival([&] { return arrive(day, count); },
+                        [&](const QList<BkCalendarItem*>& items) {
+                            QCOMPARE(items.first()->widget->colCount(), count);
+                            leave(day, items);
+                            qDeleteAll(items);
+                        });
 }
 
 // Qt's floor for the arrival alone, timed as above.
@@ -208,15 +213,8 @@ void bench_Collisions::qtFloorArrival()
     QFETCH(int, count);
     Day day(0);
     QGraphicsRectItem* parent = day.scene.addRect(QRectF(0, 0, 805, 1300));
-    QVector<double> times;
-    for (int round = 0; round < ArrivalRounds; ++round) {
-        QElapsedTimer timer;
-        timer.start();
-        const QList<FloorBox*> boxes = floorArrive(parent, count);
-        times.append(double(timer.nsecsElapsed()));
-        qDeleteAll(boxes);
-    }
-    QTest::setBenchmarkResult(medianOf(times), QTest::WalltimeNanoseconds);
+    reportMedianArrival([&] { return floorArrive(parent, count); },
+                        [](const QList<FloorBox*>& boxes) { qDeleteAll(boxes); });
 }
 
 // The earliest booking leaves the cluster and comes back: every box changes its sub-column and its
