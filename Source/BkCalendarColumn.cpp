@@ -282,6 +282,7 @@ BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
     , mLayoutRun(nullptr)
     , mLayoutMemo(std::make_unique<LayoutMemo>())
     , mHoldLayout(false)
+    , mDeferBoxes(false)
 {
     setFlags(QGraphicsItem::ItemIsSelectable);
     setAcceptDrops(true);
@@ -488,9 +489,10 @@ void BkCalendarColumn::updateChildren()
             delete children.at(i);
     }
     if (mModel && showsSomething()) {
+        // Asked even when the boxes wait: asking is what makes the model request a day it lacks.
         const QList<BkCalendarItem*> items = mModel->items(mDate, mResource);
         for (BkCalendarItem* item : items) {
-            if (mScale && mScale->inside(item->start(), item->end()))
+            if (!mDeferBoxes && mScale && mScale->inside(item->start(), item->end()))
                 makeWidget(item);
         }
         polishNow(scene());

@@ -111,6 +111,16 @@ void BkCalendarView::relayColumn(BkCalendarColumn* column)
     connect(column, &BkCalendarColumn::planContextMenu, this, &BkCalendarView::planContextMenu);
 }
 
+// The new columns were set up without boxes; the sizing rebuilds every column that shows something, and
+// a column that shows nothing would have had none. Nothing outside the library runs between their set-up
+// and here but the host's answer to a load request, which finds the new columns still without boxes.
+void BkCalendarView::makeDeferredBoxes()
+{
+    for (BkCalendarColumn* column : qAsConst(mColumns))
+        column->setDeferBoxes(false);
+    calculateSizes();
+}
+
 void BkCalendarView::setDays(int days)
 {
     mDayMode = 1;
@@ -119,6 +129,7 @@ void BkCalendarView::setDays(int days)
 
     for (int i = 0; i < days; ++i) {
         auto* column = new BkCalendarColumn(nullptr, false);
+        column->setDeferBoxes(true);
         column->setRaise(mRaise);
         column->setTimeScale(mScale);
         column->init(-1.0);
@@ -142,7 +153,7 @@ void BkCalendarView::setDays(int days)
         mColumns.append(column);
     }
 
-    calculateSizes();
+    makeDeferredBoxes();
     for (BkCalendarColumn* column : qAsConst(mColumns))
         column->setSelected(column->date() == mSelectedDate);
     resizeEvent(nullptr);
@@ -170,6 +181,7 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
             continue;
 
         auto* column = new BkCalendarColumn(nullptr, true);
+        column->setDeferBoxes(true);
         column->setHeaderText(resource.name);
         column->setRaise(mRaise);
         column->setTimeScale(mScale);
@@ -197,7 +209,7 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
         mColumns.append(column);
     }
 
-    calculateSizes();
+    makeDeferredBoxes();
     for (BkCalendarColumn* column : qAsConst(mColumns))
         column->setSelected(column->resource().type == mResource.type &&
                             column->resource().id == mResource.id);

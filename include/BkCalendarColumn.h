@@ -57,6 +57,10 @@ public:
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
 
     void setModel(BkCalendarModel* model);
+    // While set, a rebuild of the boxes removes the old ones and asks the model for the day, but makes
+    // no new ones. The view sets it while it sets a new column up, off the scene, since its sizing
+    // right after rebuilds every column: the boxes are made once instead of twice.
+    void setDeferBoxes(bool defer) { mDeferBoxes = defer; }
     double setWidthScale(double scale, WidthType type, double start);
     double widthScale() const { return mWidthScale; }
     Raise raise() const { return mRaise; }
@@ -177,6 +181,7 @@ private:
     std::unique_ptr<LayoutMemo> mLayoutMemo;
     // True while updateChildren replaces the boxes; it lays them out once at the end.
     bool mHoldLayout;
+    bool mDeferBoxes;
 };
 
 #endif // BKCALENDARCOLUMN_H

@@ -103,6 +103,7 @@ private slots:
 private:
     void deleteColumns();
     void relayColumn(BkCalendarColumn* column);
+    void makeDeferredBoxes();
     void showInfo(int type);
     void saveGroup();
 

@@ -23,6 +23,8 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 
+#include <functional>
+
 namespace {
 // A Wednesday; the week around it runs from Monday 23 to Sunday 29 November.
 const QDate Wednesday(2026, 11, 25);
@@ -82,6 +84,34 @@ BkCalendarItem* addBooking(BkCalendarModel& model, const QVariant& id, const QDa
     return item;
 }
 
+// The boxes of a column by the bookings they hold, in the column's order.
+QList<BkCalendarItem*> boxedItems(const BkCalendarColumn* column)
+{
+    QList<BkCalendarItem*> items;
+    for (QGraphicsItem* child : column->childItems())
+        if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
+            items << box->item();
+    return items;
+}
+
+// A host that answers each load request of the model with the bookings its callback makes, and keeps
+// the requests in their order as "type:id from-to".
+struct LoadingHost
+{
+    LoadingHost(BkCalendarModel& model, std::function<void(const BkCalendarResource&)> answer)
+    {
+        QObject::connect(&model, &BkCalendarModel::loadData,
+                         [this, answer](const QDate& from, const QDate& to, const BkCalendarResource& who) {
+                             requests << QStringLiteral("%1:%2 %3-%4")
+                                             .arg(who.type)
+                                             .arg(who.id.toInt())
+                                             .arg(from.toString(Qt::ISODate), to.toString(Qt::ISODate));
+                             answer(who);
+                         });
+    }
+    QStringList requests;
+};
+
 // The model answers every load with nothing, so that reads stay quiet.
 struct ViewFixture
 {
@@ -129,6 +159,8 @@ private slots:
     void shouldKeepTheInfoWidgetUntilTheNextGroup();
     void shouldBuildResourceColumnsWithGrip();
     void shouldLeaveNoBoxWithADeletedBookingOfUserAndResource();
+    void shouldBoxOnceWhatTheHostLoadsWhileAGroupIsBuilt();
+    void shouldBoxOnceWhatTheHostLoadsWhileDaysAreBuilt();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
     void shouldShowNothingOnceItsModelIsGone();
@@ -512,6 +544,88 @@ void tst_BkCalendarView::shouldLeaveNoBoxWithADeletedBookingOfUserAndResource()
         QVERIFY(!box->item());
     }
     QVERIFY(!f.view.grab().isNull());
+}
+
+void tst_BkCalendarView::shouldBoxOnceWhatTheHostLoadsWhileAGroupIsBuilt()
+{
+    // Each member of the group asks for its days as its column is set up, and the host answers at
+    // once. Booking c of user 5 in room 9 arrives with the room, after the column of user 5 is set
+    // up: every column shows each of its bookings in exactly one box.
+    ViewFixture f;
+    f.view.resize(800, 600);
+    f.view.setDate(Wednesday);
+    QHash<QString, BkCalendarItem*> loaded;
+    LoadingHost host(f.model, [&](const BkCalendarResource& who) {
+        const QString key = QStringLiteral("%1:%2").arg(who.type).arg(who.id.toInt());
+        if (key == QLatin1String("0:4")) {
+            loaded[QStringLiteral("a")] = addBooking(f.model, 1, Wednesday, 4, QTime(9, 0), QTime(10, 0));
+            loaded[QStringLiteral("a")]->setResourceId(9);
+        } else if (key == QLatin1String("0:5")) {
+            loaded[QStringLiteral("b")] = addBooking(f.model, 2, Wednesday, 5, QTime(10, 0), QTime(11, 0));
+        } else if (key == QLatin1String("1:9")) {
+            BkCalendarItem* c = new BkCalendarItem;
+            c->id = 3;
+            c->setDate(Wednesday);
+            c->setUserId(5);
+            c->setResourceId(9);
+            c->setTime(QTime(9, 30), QTime(11, 30));
+            f.model.addItem(c);
+            loaded[QStringLiteral("c")] = c;
+        }
+    });
+    f.view.setResources({BkCalendarResource(4, QStringLiteral("Anna"), 0),
+                         BkCalendarResource(5, QStringLiteral("Ben"), 0),
+                         BkCalendarResource(9, QStringLiteral("Room"), 1)});
+
+    const QString range = QStringLiteral(" 2026-11-17-2026-12-03");
+    QCOMPARE(host.requests, QStringList({QStringLiteral("0:4") + range, QStringLiteral("0:5") + range,
+                                         QStringLiteral("1:9") + range}));
+    const QList<BkCalendarColumn*> columns = f.view.getColumnList();
+    QCOMPARE(columns.size(), 3);
+    BkCalendarItem* a = loaded.value(QStringLiteral("a"));
+    BkCalendarItem* b = loaded.value(QStringLiteral("b"));
+    BkCalendarItem* c = loaded.value(QStringLiteral("c"));
+    QCOMPARE(boxedItems(columns.at(0)), QList<BkCalendarItem*>({a}));
+    QCOMPARE(boxedItems(columns.at(1)), QList<BkCalendarItem*>({b, c}));
+    QCOMPARE(boxedItems(columns.at(2)), QList<BkCalendarItem*>({a, c}));
+    // A booking in two columns names the box of the later one; c overlaps both others.
+    QCOMPARE(a->widget->parentItem(), columns.at(2));
+    QCOMPARE(c->widget->parentItem(), columns.at(2));
+    QCOMPARE(c->widget->colCount(), 2);
+    QCOMPARE(b->widget->colCount(), 2);
+    QCOMPARE(a->widget->colIndex(), 0);
+    QCOMPARE(c->widget->colIndex(), 1);
+
+    // The next day is built by the same columns, and the host is asked for nothing more.
+    f.view.setDate(Wednesday.addDays(1));
+    addBooking(f.model, 4, Wednesday.addDays(1), 4, QTime(8, 0), QTime(9, 0));
+    QCOMPARE(boxedItems(columns.at(0)).size(), 1);
+    QCOMPARE(host.requests.size(), 3);
+}
+
+void tst_BkCalendarView::shouldBoxOnceWhatTheHostLoadsWhileDaysAreBuilt()
+{
+    // One request covers the five days of the person from the date on; the host answers with a
+    // booking on each of them.
+    ViewFixture f;
+    f.view.resize(800, 600);
+    f.view.setDate(Wednesday);
+    QList<BkCalendarItem*> loaded;
+    LoadingHost host(f.model, [&](const BkCalendarResource& who) {
+        for (int day = 0; day < 5; ++day)
+            loaded << addBooking(f.model, 10 + day, Wednesday.addDays(day), who.id, QTime(9, day * 10),
+                                 QTime(10, 0));
+    });
+    f.view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
+    f.view.setDays(5);
+
+    QCOMPARE(host.requests, QStringList({QStringLiteral("0:4 2026-11-17-2026-12-03")}));
+    const QList<BkCalendarColumn*> columns = f.view.getColumnList();
+    QCOMPARE(columnDates(f.view), daysFrom(Wednesday, 5));
+    for (int day = 0; day < 5; ++day) {
+        QCOMPARE(boxedItems(columns.at(day)), QList<BkCalendarItem*>({loaded.at(day)}));
+        QCOMPARE(loaded.at(day)->widget->parentItem(), columns.at(day));
+    }
 }
 
 void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()
