@@ -30,6 +30,7 @@
 #include <QDockWidget>
 #include <QDrag>
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QMimeData>
 
 namespace {
@@ -334,6 +335,15 @@ void BkCalendar::refresh()
     setDate(date());
 }
 
+// The last step of the days' show operations, which end with setDays or setWidthType: both end with the
+// view's sizing, which updates every column, and nothing runs between it and here. Updating the columns
+// again would make the same boxes a second time; only the scene's rectangle may have to follow the
+// headers, which the sizing's scroll can move.
+void BkCalendar::finishDays()
+{
+    mUi->cal->fitSceneRect();
+}
+
 // The show operations differ in their steps on purpose; hosts rely on each order.
 void BkCalendar::show1Day()
 {
@@ -341,7 +351,7 @@ void BkCalendar::show1Day()
     mShowType = Show1Day;
     mUi->cal->setWidthType(WidthProportional);
     mUi->cal->setDays(1);
-    mUi->cal->updateWidgets();
+    finishDays();
     emit showResourceInfo();
 }
 
@@ -351,7 +361,7 @@ void BkCalendar::show5Day()
     mShowType = Show5Day;
     mUi->cal->setWidthType(WidthProportional);
     mUi->cal->setDays(5);
-    mUi->cal->updateWidgets();
+    finishDays();
     emit showResourceInfo();
 }
 
@@ -361,7 +371,7 @@ void BkCalendar::show7Day()
     mShowType = Show7Day;
     mUi->cal->setDays(7);
     mUi->cal->setWidthType(WidthProportional);
-    mUi->cal->updateWidgets();
+    finishDays();
     emit showResourceInfo();
 }
 
@@ -382,7 +392,13 @@ void BkCalendar::showGroup()
     mUi->cal->setMinWidth(mMinWidth);
     mUi->cal->setWidthType(WidthProportional);
     emit hideResourceInfo();
-    mUi->cal->updateWidgets();
+    // setWidthType ends with the view's sizing, which has just updated every column. Only a slot of
+    // hideResourceInfo can have changed anything since; without one, the update would make the same
+    // boxes a second time.
+    if (isSignalConnected(QMetaMethod::fromSignal(&BkCalendar::hideResourceInfo)))
+        mUi->cal->updateWidgets();
+    else
+        mUi->cal->fitSceneRect();
 }
 
 void BkCalendar::overview()

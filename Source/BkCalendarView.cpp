@@ -294,6 +294,11 @@ void BkCalendarView::updateWidgets()
 {
     for (BkCalendarColumn* column : qAsConst(mColumns))
         column->update();
+    fitSceneRect();
+}
+
+void BkCalendarView::fitSceneRect()
+{
     QRectF rect = mScene->itemsBoundingRect();
     rect.setLeft(0.0);
     mScene->setSceneRect(rect);

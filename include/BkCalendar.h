@@ -153,6 +153,7 @@ private:
     void connectDocks();
     QList<QAction*> offeredActions() const;
     void stepDay(int days);
+    void finishDays();
     void selectColumn(BkCalendarColumn* column);
 
     QDockWidget* mMoveDock = nullptr;

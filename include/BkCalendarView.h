@@ -87,6 +87,8 @@ public slots:
     void setWeekStarts(Qt::DayOfWeek day);
     void setRaise(BkCalendarColumn::Raise raise);
     void updateWidgets();
+    // The scene's rectangle, from the left edge round everything on it: the last step of updateWidgets.
+    void fitSceneRect();
     void headerActivated(BkCalendarColumn* column, BkCalendarResource resource);
     void calculateSizes();
     void setTimeSteps(int minutes);

@@ -63,6 +63,40 @@ void addPlan(BkCalendarModel* model, const QDate& date, const BkCalendarResource
     model->addItem(plan);
 }
 
+// Everything a further update of the view could change: the scene's and the view's rectangles, the
+// scroll, and every column with its header and its boxes, by the bookings they hold.
+QStringList viewState(const BkCalendar& form)
+{
+    const BkCalendarView* view = form.view();
+    auto rect = [](const QRectF& r) {
+        return QStringLiteral("%1,%2 %3x%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
+    };
+    QStringList state;
+    state << rect(view->scene()->sceneRect()) << rect(view->sceneRect())
+          << QStringLiteral("scroll %1,%2")
+                 .arg(view->horizontalScrollBar()->value())
+                 .arg(view->verticalScrollBar()->value());
+    for (const BkCalendarColumn* column : view->getColumnList()) {
+        state << QStringLiteral("column %1 %2 at %3 header %4")
+                     .arg(column->date().toString(Qt::ISODate), column->resource().id.toString(),
+                          rect(column->sceneBoundingRect()), rect(column->header()->sceneBoundingRect()));
+        for (const QGraphicsItem* child : column->childItems()) {
+            const auto* box = qgraphicsitem_cast<const BkCalendarItemWidget*>(child);
+            if (!box)
+                continue;
+            state << QStringLiteral("  box %1 at %2 share %3/%4 tip \"%5\" named %6")
+                         .arg(box->item() ? box->item()->id.toString() : QStringLiteral("-"),
+                              rect(box->sceneBoundingRect()))
+                         .arg(box->colIndex())
+                         .arg(box->colCount())
+                         .arg(box->toolTip())
+                         .arg(box->item() && box->item()->widget == box ? QStringLiteral("yes")
+                                                                        : QStringLiteral("no"));
+        }
+    }
+    return state;
+}
+
 QStringList menuTitles(const QMenuBar& bar)
 {
     QStringList titles;
@@ -133,6 +167,9 @@ private slots:
     void shouldShowTheChosenNumberOfDays();
     void shouldKeepTheDaysForTheMonth();
     void shouldShowTheGroupWithItsMinimumWidth();
+    void shouldLeaveNothingForAFurtherUpdateAfterAShow_data();
+    void shouldLeaveNothingForAFurtherUpdateAfterAShow();
+    void shouldUpdateTheGroupAfterTheHostHidesItsResourceInfo();
     void shouldToggleTheOverviewAndComeBack();
     void shouldJumpToAPickedDate();
     void shouldNotJumpWhenThePickerIsCancelled();
@@ -699,6 +736,94 @@ void tst_BkCalendar::shouldShowTheGroupWithItsMinimumWidth()
     form.setResourceList({});
     QVERIFY(form.view()->infoWidget());
     QCOMPARE(form.view()->infoWidget()->messageType(), 0);
+}
+
+void tst_BkCalendar::shouldLeaveNothingForAFurtherUpdateAfterAShow_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<bool>("listening");
+    QTest::addColumn<int>("height");
+    QTest::newRow("1 day") << int(BkCalendar::Show1Day) << false << 600;
+    QTest::newRow("5 days") << int(BkCalendar::Show5Day) << false << 600;
+    QTest::newRow("7 days") << int(BkCalendar::Show7Day) << false << 600;
+    QTest::newRow("group") << int(BkCalendar::ShowGroup) << false << 600;
+    QTest::newRow("group, resource info heard") << int(BkCalendar::ShowGroup) << true << 600;
+    // So low that the sizing scrolls the headers down below the columns' ends.
+    QTest::newRow("5 days, low") << int(BkCalendar::Show5Day) << false << 40;
+    QTest::newRow("group, low") << int(BkCalendar::ShowGroup) << false << 40;
+}
+
+void tst_BkCalendar::shouldLeaveNothingForAFurtherUpdateAfterAShow()
+{
+    // A show operation ends with its columns up to date: updating them once more changes nothing
+    // but the boxes' identities.
+    QFETCH(int, type);
+    QFETCH(bool, listening);
+    QFETCH(int, height);
+    FwApplication::app()->setValue(QVariant(1), QStringLiteral("set_showtooltips"));
+    BkCalendar form(nullptr, AllShows);
+    form.resize(900, height);
+    form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    const BkCalendarResource anna(1, QStringLiteral("Anna"), 0);
+    const BkCalendarResource room(2, QStringLiteral("Room"), 1);
+    for (int day = 0; day < 7; ++day) {
+        const QDate date = Monday.addDays(day);
+        addPlan(form.model(), date, anna);
+        addPlan(form.model(), date, room);
+        const QList<BkCalendarItem*> bookings = {
+            addBooking(form.model(), 10 * day + 1, date, 1, QTime(9, 0), QTime(10, 0), QStringLiteral("a")),
+            addBooking(form.model(), 10 * day + 2, date, 1, QTime(9, 30), QTime(11, 0), QStringLiteral("b")),
+            addBooking(form.model(), 10 * day + 3, date, 3, QTime(10, 30), QTime(12, 0), QStringLiteral("c")),
+            addBooking(form.model(), 10 * day + 4, date, 1, QTime(15, 0), QTime(16, 0), QStringLiteral("d"))};
+        bookings.at(2)->setResourceId(2);
+        bookings.at(3)->setResourceId(2);
+        for (BkCalendarItem* booking : bookings)
+            booking->setToolTip(booking->title());
+    }
+    int heard = 0;
+    if (listening)
+        connect(&form, &BkCalendar::hideResourceInfo, [&heard] { ++heard; });
+    form.setResource(anna);
+    form.setResourceList({anna, room});
+    form.setDate(Wednesday);
+    if (type == BkCalendar::Show1Day)
+        form.show1Day();
+    else if (type == BkCalendar::Show5Day)
+        form.show5Day();
+    else if (type == BkCalendar::Show7Day)
+        form.show7Day();
+    else
+        form.showGroup();
+    QCOMPARE(heard, listening ? 1 : 0);
+    const QStringList shown = viewState(form);
+    QVERIFY(shown.filter(QStringLiteral("  box ")).size() >= 3);
+    QVERIFY(!shown.filter(QStringLiteral("tip \"a\"")).isEmpty());
+    if (height < 100)
+        QVERIFY(form.view()->verticalScrollBar()->value() > 0);
+
+    form.view()->updateWidgets();
+    QCOMPARE(viewState(form), shown);
+    FwApplication::app()->setValue(QVariant(0), QStringLiteral("set_showtooltips"));
+}
+
+void tst_BkCalendar::shouldUpdateTheGroupAfterTheHostHidesItsResourceInfo()
+{
+    // The host switches the tool tips on when the group shows: the boxes are made after its answer.
+    FwApplication::app()->setValue(QVariant(0), QStringLiteral("set_showtooltips"));
+    BkCalendar form(nullptr, AllShows);
+    const BkCalendarResource anna(1, QStringLiteral("Anna"), 0);
+    addBooking(form.model(), 1, Wednesday, 1, QTime(9, 0), QTime(10, 0))
+        ->setToolTip(QStringLiteral("Check-up"));
+    form.setResourceList({anna});
+    form.setDate(Wednesday);
+    connect(&form, &BkCalendar::hideResourceInfo,
+            [] { FwApplication::app()->setValue(QVariant(1), QStringLiteral("set_showtooltips")); });
+    form.showGroup();
+    BkCalendarItem* item = form.model()->findId(1);
+    QVERIFY(item && item->widget);
+    QCOMPARE(item->widget->toolTip(), QStringLiteral("Check-up"));
+    FwApplication::app()->setValue(QVariant(0), QStringLiteral("set_showtooltips"));
 }
 
 void tst_BkCalendar::shouldToggleTheOverviewAndComeBack()
