@@ -271,7 +271,13 @@ void BkCalendarView::update()
         BkCalendarColumn* column = mColumns.at(i);
         const QDate date = mDate.addDays(i);
         column->setDate(date);
+        // A column of the view's person already makes the very same boxes at the second update, and
+        // nothing between the two can see them; so the first update only asks the model for the day.
+        const BkCalendarResource& shown = column->resource();
+        column->setDeferBoxes(shown.type == mResource.type &&
+                              shown.id.userType() == mResource.id.userType() && shown.id == mResource.id);
         column->update();
+        column->setDeferBoxes(false);
         column->setResource(mResource);
         column->update();
         column->setSelected(date == mSelectedDate);

@@ -213,7 +213,7 @@ void groupView(BenchTable& table, int resources, int bookings, int minWidth, boo
 
 void weekView(BenchTable& table, int perDay, int overlapping, int days, int more)
 {
-    QVector<double> first, again, floors;
+    QVector<double> first, again, onAndBack, floors;
     for (int run = 0; run < Runs; ++run) {
         Form form;
         const BkCalendarResource anna(1, QStringLiteral("Anna"), 0);
@@ -240,6 +240,13 @@ void weekView(BenchTable& table, int perDay, int overlapping, int days, int more
         timer.restart();
         paint(form.view(), form.image, name + QStringLiteral("-again"));
         again << ms(timer);
+        // A step to the empty week after and back, as the user pages through the weeks: the columns
+        // are updated twice and the shown week painted once more.
+        timer.restart();
+        form.calendar.setDate(Monday.addDays(7));
+        form.calendar.setDate(Monday);
+        paint(form.view(), form.image, name + QStringLiteral("-back"));
+        onAndBack << ms(timer);
         // A profiler run may ask for the repaint alone, many times over.
         for (int extra = qEnvironmentVariableIntValue("BENCH_VIEWS_REPAINTS"); extra > 0; --extra)
             repaint(form.view(), form.image);
@@ -254,6 +261,8 @@ void weekView(BenchTable& table, int perDay, int overlapping, int days, int more
     table.add(what + QStringLiteral(": first complete paint"), BenchTable::median(first),
               QStringLiteral("ms"), BenchTable::median(floors));
     table.add(what + QStringLiteral(": full repaint"), BenchTable::median(again), QStringLiteral("ms"));
+    table.add(what + QStringLiteral(": a week on and back, and paint"), BenchTable::median(onAndBack),
+              QStringLiteral("ms"));
 }
 
 // The scene's changes reach the viewport as one update of the dirty region, painted at once.

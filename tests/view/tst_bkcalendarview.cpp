@@ -161,6 +161,7 @@ private slots:
     void shouldLeaveNoBoxWithADeletedBookingOfUserAndResource();
     void shouldBoxOnceWhatTheHostLoadsWhileAGroupIsBuilt();
     void shouldBoxOnceWhatTheHostLoadsWhileDaysAreBuilt();
+    void shouldBoxOnceWhatTheHostLoadsWhenTheDaysMoveOn();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
     void shouldShowNothingOnceItsModelIsGone();
@@ -626,6 +627,46 @@ void tst_BkCalendarView::shouldBoxOnceWhatTheHostLoadsWhileDaysAreBuilt()
         QCOMPARE(boxedItems(columns.at(day)), QList<BkCalendarItem*>({loaded.at(day)}));
         QCOMPARE(loaded.at(day)->widget->parentItem(), columns.at(day));
     }
+}
+
+void tst_BkCalendarView::shouldBoxOnceWhatTheHostLoadsWhenTheDaysMoveOn()
+{
+    // The week moves on to days the model has not loaded: the first column asks, and the host
+    // answers with a booking on each day of the new week, while the columns are being updated.
+    ViewFixture f;
+    f.view.resize(800, 600);
+    f.view.setDate(Monday);
+    f.view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
+    f.view.setDays(5);
+    const QDate nextMonday = Monday.addDays(14);
+    QList<BkCalendarItem*> loaded;
+    LoadingHost host(f.model, [&](const BkCalendarResource& who) {
+        for (int day = 0; day < 5 && loaded.size() < 5; ++day)
+            loaded << addBooking(f.model, 20 + day, nextMonday.addDays(day), who.id, QTime(9, 0),
+                                 QTime(9, 45));
+    });
+    f.view.setDate(nextMonday);
+
+    QCOMPARE(host.requests, QStringList({QStringLiteral("0:4 2026-12-02-2026-12-15")}));
+    const QList<BkCalendarColumn*> columns = f.view.getColumnList();
+    QCOMPARE(columnDates(f.view), daysFrom(nextMonday, 5));
+    for (int day = 0; day < 5; ++day) {
+        QCOMPARE(boxedItems(columns.at(day)), QList<BkCalendarItem*>({loaded.at(day)}));
+        QCOMPARE(loaded.at(day)->widget->parentItem(), columns.at(day));
+        QCOMPARE(loaded.at(day)->widget->colCount(), 1);
+    }
+
+    // A column that a host gave another person shows the view's person again in the next week.
+    const QDate later = nextMonday.addDays(9);
+    BkCalendarItem* ben = addBooking(f.model, 30, later, 7, QTime(8, 0), QTime(8, 30));
+    BkCalendarItem* anna = addBooking(f.model, 31, later, 4, QTime(10, 0), QTime(10, 30));
+    columns.at(2)->setResource(BkCalendarResource(7, QStringLiteral("Ben"), 0));
+    columns.at(2)->update();
+    QCOMPARE(boxedItems(columns.at(2)), QList<BkCalendarItem*>());
+    f.view.setDate(later);
+    QCOMPARE(columns.at(2)->date(), later);
+    QCOMPARE(boxedItems(columns.at(2)), QList<BkCalendarItem*>({anna}));
+    QVERIFY(!ben->widget);
 }
 
 void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()
