@@ -229,6 +229,13 @@ bool BkCalendarModel::loaded(const BkCalendarResource& resource, const QDate& da
            date.toJulianDay() <= range.second.toJulianDay();
 }
 
+bool BkCalendarModel::covers(const BkCalendarResource& resource, const QDate& date) const
+{
+    const auto range = mRangeIndex.constFind(rangeKey(resource));
+    return range != mRangeIndex.constEnd() && date.toJulianDay() >= range->first.toJulianDay() &&
+           date.toJulianDay() <= range->second.toJulianDay();
+}
+
 void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate& date)
 {
     // One contiguous range per key, widened by 8 days round the date asked for; the range is stored

@@ -271,11 +271,13 @@ void BkCalendarView::update()
         BkCalendarColumn* column = mColumns.at(i);
         const QDate date = mDate.addDays(i);
         column->setDate(date);
-        // A column of the view's person already makes the very same boxes at the second update, and
-        // nothing between the two can see them; so the first update only asks the model for the day.
+        // A column of the view's person already makes the very same boxes at the second update. When
+        // the model has the day, no load request lets the host in between, and nothing else can see
+        // the boxes of the first update; so that one only asks the model for the day.
         const BkCalendarResource& shown = column->resource();
         column->setDeferBoxes(shown.type == mResource.type &&
-                              shown.id.userType() == mResource.id.userType() && shown.id == mResource.id);
+                              shown.id.userType() == mResource.id.userType() && shown.id == mResource.id &&
+                              mModel && mModel->covers(mResource, date));
         column->update();
         column->setDeferBoxes(false);
         column->setResource(mResource);

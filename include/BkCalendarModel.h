@@ -45,6 +45,9 @@ public:
     BkCalendarItem* findId(const QVariant& id) const;
     bool isInvalid(BkCalendarItem* item) const;
     bool loaded(const BkCalendarResource& resource, const QDate& date);
+    // True when a read of the day of the key sends no load request: the day lies in its loaded range.
+    // Unlike loaded, asking changes nothing.
+    bool covers(const BkCalendarResource& resource, const QDate& date) const;
     void checkDate(const BkCalendarResource& resource, const QDate& date);
     void setToolTipsEnabled(bool enabled);
 

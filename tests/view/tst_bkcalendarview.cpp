@@ -162,6 +162,7 @@ private slots:
     void shouldBoxOnceWhatTheHostLoadsWhileAGroupIsBuilt();
     void shouldBoxOnceWhatTheHostLoadsWhileDaysAreBuilt();
     void shouldBoxOnceWhatTheHostLoadsWhenTheDaysMoveOn();
+    void shouldBuildTheBoxesOfAnUpdateThatTheHostsAnswerStarts();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
     void shouldShowNothingOnceItsModelIsGone();
@@ -667,6 +668,30 @@ void tst_BkCalendarView::shouldBoxOnceWhatTheHostLoadsWhenTheDaysMoveOn()
     QCOMPARE(columns.at(2)->date(), later);
     QCOMPARE(boxedItems(columns.at(2)), QList<BkCalendarItem*>({anna}));
     QVERIFY(!ben->widget);
+}
+
+void tst_BkCalendarView::shouldBuildTheBoxesOfAnUpdateThatTheHostsAnswerStarts()
+{
+    // The host answers the load request of the first day column with its bookings and has the view
+    // update its columns at once: the column that asked shows its booking within the answer already.
+    ViewFixture f;
+    f.view.resize(800, 600);
+    f.view.setDate(Monday);
+    f.view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
+    f.view.setDays(5);
+    const QDate nextMonday = Monday.addDays(14);
+    BkCalendarItem* loaded = nullptr;
+    QList<BkCalendarItem*> seenInTheAnswer;
+    LoadingHost host(f.model, [&](const BkCalendarResource& who) {
+        loaded = addBooking(f.model, 40, nextMonday, who.id, QTime(9, 0), QTime(9, 45));
+        f.view.updateWidgets();
+        seenInTheAnswer = boxedItems(f.view.getColumnList().first());
+    });
+    f.view.setDate(nextMonday);
+
+    QCOMPARE(host.requests.size(), 1);
+    QCOMPARE(seenInTheAnswer, QList<BkCalendarItem*>({loaded}));
+    QCOMPARE(boxedItems(f.view.getColumnList().first()), QList<BkCalendarItem*>({loaded}));
 }
 
 void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()
