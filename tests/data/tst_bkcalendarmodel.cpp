@@ -74,6 +74,7 @@ private slots:
     void shouldResetBeforeRemovingOnClear();
     void shouldLeaveUnsavedListAndTimerAloneOnClear();
     void shouldCreateEmptyRangeWhenAskedWhetherLoaded();
+    void shouldTellWhetherItHasADayWithoutAsking();
     void shouldTellOnlyItemsWithIdOfToolTipSetting();
     void shouldRelayUpdateWithoutSignal();
     void shouldResetWhenDestroyed();
@@ -717,6 +718,45 @@ void TestBkCalendarModel::shouldCreateEmptyRangeWhenAskedWhetherLoaded()
     QCOMPARE(loads.at(0).at(1).toDate(), Day.addDays(8));
     QVERIFY(!model.loadedRanges().value(ann).first.isValid());
     QCOMPARE(model.loadedRanges().value(ann).second, Day.addDays(8));
+}
+
+void TestBkCalendarModel::shouldTellWhetherItHasADayWithoutAsking()
+{
+    // covers answers exactly when a read would go without a load request, and changes nothing.
+    BkCalendarModel model;
+    const BkCalendarResource ann(3);
+    const BkCalendarResource room(3, QString(), 1);
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+
+    QVERIFY(!model.covers(ann, Day));
+    QVERIFY(model.loadedRanges().isEmpty());
+    model.items(Day, ann);
+    QCOMPARE(loads.count(), 1);
+    QCOMPARE(request(loads, 0), qMakePair(Day.addDays(-8), Day.addDays(8)));
+
+    for (int offset = -10; offset <= 10; ++offset)
+        QCOMPARE(model.covers(ann, Day.addDays(offset)), qAbs(offset) <= 8);
+    QCOMPARE(loads.count(), 1);
+    // Each read, which may widen the range, asks exactly when covers said no just before.
+    for (int offset : {3, 9, -12, 10, 30, -9, -30}) {
+        const QDate date = Day.addDays(offset);
+        const bool covered = model.covers(ann, date);
+        const int before = loads.count();
+        model.plans(date, ann);
+        QCOMPARE(loads.count() == before, covered);
+        QVERIFY(model.covers(ann, date));
+    }
+    // Another key of the same id is a day of its own.
+    QVERIFY(!model.covers(room, Day));
+
+    // After loaded() left an empty range, covers still tells that a read asks.
+    BkCalendarModel other;
+    QSignalSpy otherLoads(&other, &BkCalendarModel::loadData);
+    QVERIFY(!other.loaded(ann, Day));
+    QVERIFY(!other.covers(ann, Day));
+    other.items(Day, ann);
+    QCOMPARE(otherLoads.count(), 1);
+    QVERIFY(other.covers(ann, Day));
 }
 
 void TestBkCalendarModel::shouldTellOnlyItemsWithIdOfToolTipSetting()
