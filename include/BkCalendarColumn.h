@@ -58,8 +58,9 @@ public:
 
     void setModel(BkCalendarModel* model);
     // While set, a rebuild of the boxes removes the old ones and asks the model for the day, but makes
-    // no new ones. The view sets it while it sets a new column up, off the scene, since its sizing
-    // right after rebuilds every column: the boxes are made once instead of twice.
+    // no new ones. The view sets it while it sets a new column up, off the scene, and for the first of
+    // the two updates that a day column of its person gets at a new date: in both cases another update
+    // rebuilds the column right after, so the boxes are made once instead of twice.
     void setDeferBoxes(bool defer) { mDeferBoxes = defer; }
     double setWidthScale(double scale, WidthType type, double start);
     double widthScale() const { return mWidthScale; }
