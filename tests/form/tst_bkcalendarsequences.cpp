@@ -3,6 +3,7 @@
 // every step the boxes and the bookings must still agree. Under the sanitizer build the same
 // sequences also catch any use of a box or a booking after it is gone.
 
+#include "BkBookingScene.h"
 #include "FwTestApplication.h"
 
 #include <BkCalendar.h>
@@ -12,6 +13,7 @@
 #include <BkCalendarItemWidget.h>
 #include <BkCalendarList.h>
 #include <BkCalendarModel.h>
+#include <BkCalendarTimeScale.h>
 #include <BkCalendarView.h>
 
 #include <QGraphicsItem>
@@ -68,6 +70,42 @@ void checkJobList(BkCalendar& form)
         QVERIFY(rows.contains(qulonglong(quintptr(item))));
 }
 
+// The user drags the box of a booking over one or two columns at random times, as QDrag delivers it,
+// and drops it there, or leaves the scene with it. A question about a resource booked twice is
+// answered either way.
+void dragSomeBooking(BkCalendar& form, QRandomGenerator& random)
+{
+    BkCalendarView* view = form.view();
+    QList<BkCalendarItemWidget*> boxes;
+    for (QGraphicsItem* item : view->scene()->items())
+        if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(item))
+            if (box->item() && box->item()->type() != BkCalendarItem::Reserved)
+                boxes << box;
+    const QList<BkCalendarColumn*> columns = view->getColumnList();
+    if (boxes.isEmpty() || columns.isEmpty())
+        return;
+    BkCalendarItem* item = boxes.at(random.bounded(boxes.size()))->item();
+    QMimeData data;
+    data.setData(QStringLiteral("text/calitem"), item->id.toString().toLatin1());
+    auto somewhere = [&]() {
+        BkCalendarColumn* column = columns.at(random.bounded(columns.size()));
+        const QTime time = QTime(7, 0).addSecs(60 * 5 * random.bounded(12 * 12));
+        return column->mapToScene(view->timeScale()->pointAt(10.0 + random.bounded(20), time));
+    };
+    QPointF at = somewhere();
+    BkTest::sendDrag(view->scene(), QEvent::GraphicsSceneDragEnter, at, &data, view->viewport());
+    for (int moves = 1 + random.bounded(2); moves > 0; --moves) {
+        at = somewhere();
+        BkTest::sendDrag(view->scene(), QEvent::GraphicsSceneDragMove, at, &data, view->viewport());
+    }
+    if (random.bounded(4) == 0) {
+        BkTest::sendDrag(view->scene(), QEvent::GraphicsSceneDragLeave, at, &data, view->viewport());
+        return;
+    }
+    BkTest::QuestionAnswerer answerer(random.bounded(2) ? QMessageBox::Yes : QMessageBox::No);
+    BkTest::sendDrag(view->scene(), QEvent::GraphicsSceneDrop, at, &data, view->viewport());
+}
+
 } // namespace
 
 class tst_BkCalendarSequences : public QObject
@@ -93,6 +131,8 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
 {
     QFETCH(quint32, seed);
     QRandomGenerator random(seed);
+    // The drags draw from a stream of their own, so that the other steps draw as they always did.
+    QRandomGenerator drags(seed * 7919u);
     // Every other sequence runs with the docks: the date picker, the job list and the move list.
     const int noDocks = seed % 2 ? 0 : int(BkCalendar::NoDocks);
     auto* form = new BkCalendar(nullptr, noDocks | BkCalendar::Show1Day | BkCalendar::Show5Day |
@@ -254,10 +294,16 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
             QVERIFY(!form->view()->grab().isNull());
             break;
         }
+        const bool dragged = drags.bounded(8) == 0;
+        if (dragged)
+            dragSomeBooking(*form, drags);
         checkBoxes(*form);
         checkJobList(*form);
         if (QTest::currentTestFailed())
-            QFAIL(qPrintable(QStringLiteral("after step %1 (%2)").arg(step).arg(what)));
+            QFAIL(qPrintable(QStringLiteral("after step %1 (%2%3)")
+                                 .arg(step)
+                                 .arg(what)
+                                 .arg(dragged ? QStringLiteral(", then a drag") : QString())));
     }
     model->commitToDatabase();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
