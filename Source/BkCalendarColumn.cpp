@@ -456,6 +456,12 @@ void BkCalendarColumn::setModel(BkCalendarModel* model)
     connect(mModel, &BkCalendarModel::planRemoved, this, &BkCalendarColumn::updateInfo);
     connect(mModel, &BkCalendarModel::planAdded, this, &BkCalendarColumn::planAdded);
     connect(mModel, &BkCalendarModel::itemAdded, this, &BkCalendarColumn::itemAdded);
+    // A clear deletes the plans without a removal each: the column lets go of them before, and shows
+    // none until its next update, rather than paint or book against plans that are gone.
+    connect(mModel, &BkCalendarModel::reset, this, [this] {
+        mPlans.clear();
+        QGraphicsItem::update();
+    });
 }
 
 BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)

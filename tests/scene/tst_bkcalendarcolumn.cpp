@@ -9,7 +9,10 @@
 
 #include <QGraphicsSceneMouseEvent>
 #include <QGraphicsView>
+#include <QImage>
+#include <QPainter>
 #include <QSignalSpy>
+#include <QStyleOptionGraphicsItem>
 #include <QtTest>
 
 namespace {
@@ -57,6 +60,7 @@ private slots:
     void shouldTruncatePlanGeometry();
     void shouldFollowMatchingPlansOnly();
     void shouldFollowChangedAndRemovedPlans();
+    void shouldLetGoOfThePlansThatAClearDeletes();
     void shouldMakeBoxesForShownBookings();
     void shouldWireEachNewBox();
     void shouldIgnoreBookingsOfOtherDateOrKey();
@@ -417,6 +421,31 @@ void tst_BkCalendarColumn::shouldFollowChangedAndRemovedPlans()
     fixture.model.removeItem(plan);
     QVERIFY(fixture.column->plans().isEmpty());
     delete plan;
+}
+
+void tst_BkCalendarColumn::shouldLetGoOfThePlansThatAClearDeletes()
+{
+    // A clear deletes the plans without a removal each. The column paints and answers without them
+    // until its next update, which finds the plans the host hands over again.
+    BkColumnFixture fixture;
+    fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
+    QCOMPARE(fixture.column->plans().size(), 1);
+    QVERIFY(fixture.column->planAt(QTime(9, 0), QTime()));
+
+    fixture.model.clear();
+    QVERIFY(fixture.column->plans().isEmpty());
+    QVERIFY(!fixture.column->planAt(QTime(9, 0), QTime()));
+    QVERIFY(!fixture.column->allowBooking(QTime(9, 0), QTime(9, 30)));
+    QImage image(400, 1400, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    QStyleOptionGraphicsItem option;
+    fixture.column->paint(&painter, &option, nullptr);
+    painter.end();
+
+    fixture.addPlan(QTime(10, 0), QTime(11, 0), true);
+    QCOMPARE(fixture.column->plans().size(), 1);
+    QVERIFY(fixture.column->allowBooking(QTime(10, 0), QTime(10, 30)));
 }
 
 void tst_BkCalendarColumn::shouldMakeBoxesForShownBookings()
