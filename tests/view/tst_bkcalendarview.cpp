@@ -119,6 +119,18 @@ struct ViewFixture
     BkCalendarModel model;
     BkCalendarView view;
 };
+
+// Five days of Anna from Monday on, the days of the model loaded round them.
+struct AnnasWeek : ViewFixture
+{
+    AnnasWeek()
+    {
+        view.resize(800, 600);
+        view.setDate(Monday);
+        view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
+        view.setDays(5);
+    }
+};
 } // namespace
 
 class tst_BkCalendarView : public QObject
@@ -634,11 +646,7 @@ void tst_BkCalendarView::shouldBoxOnceWhatTheHostLoadsWhenTheDaysMoveOn()
 {
     // The week moves on to days the model has not loaded: the first column asks, and the host
     // answers with a booking on each day of the new week, while the columns are being updated.
-    ViewFixture f;
-    f.view.resize(800, 600);
-    f.view.setDate(Monday);
-    f.view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
-    f.view.setDays(5);
+    AnnasWeek f;
     const QDate nextMonday = Monday.addDays(14);
     QList<BkCalendarItem*> loaded;
     LoadingHost host(f.model, [&](const BkCalendarResource& who) {
@@ -674,11 +682,7 @@ void tst_BkCalendarView::shouldBuildTheBoxesOfAnUpdateThatTheHostsAnswerStarts()
 {
     // The host answers the load request of the first day column with its bookings and has the view
     // update its columns at once: the column that asked shows its booking within the answer already.
-    ViewFixture f;
-    f.view.resize(800, 600);
-    f.view.setDate(Monday);
-    f.view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
-    f.view.setDays(5);
+    AnnasWeek f;
     const QDate nextMonday = Monday.addDays(14);
     BkCalendarItem* loaded = nullptr;
     QList<BkCalendarItem*> seenInTheAnswer;
