@@ -20,6 +20,13 @@ void registerCalendarMetaTypes()
     qRegisterMetaType<BkCalendarPlan*>("BkCalendarPlan*");
 }
 
+// Whether a loaded range holds the date; compared on the day numbers, as checkDate widens it.
+bool holds(const QPair<QDate, QDate>& range, const QDate& date)
+{
+    return date.toJulianDay() >= range.first.toJulianDay() &&
+           date.toJulianDay() <= range.second.toJulianDay();
+}
+
 } // namespace
 
 Q_CONSTRUCTOR_FUNCTION(registerCalendarMetaTypes)
@@ -225,15 +232,13 @@ bool BkCalendarModel::loaded(const BkCalendarResource& resource, const QDate& da
     // Asking creates the key with an empty range; checkDate then widens it from there.
     const QPair<QDate, QDate> range = mLoadedRanges[resource];
     mRangeIndex.insert(rangeKey(resource), range);
-    return date.toJulianDay() >= range.first.toJulianDay() &&
-           date.toJulianDay() <= range.second.toJulianDay();
+    return holds(range, date);
 }
 
 bool BkCalendarModel::covers(const BkCalendarResource& resource, const QDate& date) const
 {
     const auto range = mRangeIndex.constFind(rangeKey(resource));
-    return range != mRangeIndex.constEnd() && date.toJulianDay() >= range->first.toJulianDay() &&
-           date.toJulianDay() <= range->second.toJulianDay();
+    return range != mRangeIndex.constEnd() && holds(*range, date);
 }
 
 void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate& date)

@@ -271,12 +271,12 @@ void BkCalendarView::update()
         BkCalendarColumn* column = mColumns.at(i);
         const QDate date = mDate.addDays(i);
         column->setDate(date);
-        // A column of the view's person already makes the very same boxes at the second update. When
-        // the model has the day, no load request lets the host in between, and nothing else can see
-        // the boxes of the first update; so that one only asks the model for the day.
+        // A column of the view's person (its id of the same type too, so that both updates read the
+        // very same key) makes the same boxes at the second update. When the model has the day, no
+        // load request lets the host in between, and nothing else can see the boxes of the first
+        // update; so that one only asks the model for the day.
         const BkCalendarResource& shown = column->resource();
-        column->setDeferBoxes(shown.type == mResource.type &&
-                              shown.id.userType() == mResource.id.userType() && shown.id == mResource.id &&
+        column->setDeferBoxes(shown == mResource && shown.id.userType() == mResource.id.userType() &&
                               mModel && mModel->covers(mResource, date));
         column->update();
         column->setDeferBoxes(false);
