@@ -57,6 +57,7 @@ signals:
 private:
     void showMessage(const QString& text, int milliseconds, bool critical);
     struct SettingReader;
+    struct LocalStore;
     bool readStoredValue(const QString& key, QVariant* value) const;
     bool writeStoredValue(const QVariant& value, const QString& key, const QString& table);
 
@@ -64,6 +65,7 @@ private:
     QHash<QString, QVariant> mMemoryValues;
     // The pointer stays; the reader it points to changes as settings are read.
     const std::unique_ptr<SettingReader> mReader;
+    const std::unique_ptr<LocalStore> mLocal;
     QString mMessage;
     bool mMessageCritical = false;
     QTimer* mMessageTimer = nullptr;

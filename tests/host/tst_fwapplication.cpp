@@ -6,6 +6,7 @@
 #include <FwMainWindow.h>
 #include <SQLQuery.h>
 
+#include <QSaveFile>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QSqlError>
@@ -32,6 +33,8 @@ private slots:
     void shouldReadMalformedRowsAsText();
     void shouldKeepLocalValuesInSettings();
     void shouldGiveDefaultForUnsetLocalValue();
+    void shouldReadALocalValueThatAnotherProcessWrote();
+    void shouldKeepLocalValuesApartPerApplication();
     void shouldShowMessagesInTheStatusBar();
     void shouldTakeTheMessageAwayAfterItsTime();
     void shouldLogMessagesWithoutMainWindow();
@@ -233,6 +236,53 @@ void tst_FwApplication::shouldGiveDefaultForUnsetLocalValue()
     const QVariant value = iApp->localValue(QStringLiteral("NeverStored"), QVariant(QVariant::Int));
     QCOMPARE(value.userType(), int(QMetaType::Int));
     QVERIFY(value.toStringList().isEmpty());
+}
+
+void tst_FwApplication::shouldReadALocalValueThatAnotherProcessWrote()
+{
+    const QString key = QStringLiteral("CalendarLayout");
+    iApp->setLocalValue(key, QStringList{QStringLiteral("1:120")});
+    QCOMPARE(iApp->localValue(key).toStringList(), QStringList{QStringLiteral("1:120")});
+
+    // Another process writes the file its own way, past this process's view of it; twice, so that
+    // the second write may come within the same millisecond as the first.
+    const QString path =
+        QSettings(QCoreApplication::organizationName(), QCoreApplication::applicationName()).fileName();
+    const QList<QByteArray> writes{QByteArrayLiteral("[General]\nCalendarLayout=2:90, 3:80\n"),
+                                   QByteArrayLiteral("[General]\nCalendarLayout=4:70, 5:60, 6:50\n")};
+    const QList<QStringList> expected{
+        {QStringLiteral("2:90"), QStringLiteral("3:80")},
+        {QStringLiteral("4:70"), QStringLiteral("5:60"), QStringLiteral("6:50")}};
+    for (int i = 0; i < writes.size(); ++i) {
+        QSaveFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(writes.at(i));
+        QVERIFY(file.commit());
+        QCOMPARE(iApp->localValue(key).toStringList(), expected.at(i));
+    }
+    // And what this process writes next is what it reads, and what the file holds.
+    iApp->setLocalValue(key, QStringList{QStringLiteral("7:40")});
+    QCOMPARE(iApp->localValue(key).toStringList(), QStringList{QStringLiteral("7:40")});
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.readAll().contains("7:40"));
+}
+
+void tst_FwApplication::shouldKeepLocalValuesApartPerApplication()
+{
+    const QString key = QStringLiteral("demo/view");
+    const QString name = QCoreApplication::applicationName();
+    iApp->setLocalValue(key, 1);
+    QCoreApplication::setApplicationName(name + QStringLiteral("-other"));
+    QCOMPARE(iApp->localValue(key, 0).toInt(), 0);
+    iApp->setLocalValue(key, 2);
+    QCoreApplication::setApplicationName(name);
+    QCOMPARE(iApp->localValue(key, 0).toInt(), 1);
+    QCoreApplication::setApplicationName(name + QStringLiteral("-other"));
+    QCOMPARE(iApp->localValue(key, 0).toInt(), 2);
+    iApp->setLocalValue(key, QVariant());
+    QCoreApplication::setApplicationName(name);
+    iApp->setLocalValue(key, QVariant());
 }
 
 void tst_FwApplication::shouldShowMessagesInTheStatusBar()
