@@ -109,7 +109,8 @@ struct FwApplication::SettingReader
 // a QSettings locks, reads and parses its file (about 17 µs on the project's machine), and a calendar
 // column reads its width from them at every build of the column. A read still looks at the file's
 // time and size, and takes the file in again when another process has written it since, so that a
-// change made elsewhere counts at once as before.
+// change made elsewhere counts at once as before. The files it falls back on (the organisation's and
+// the system's, which only an administrator writes) are taken in again along with it.
 struct FwApplication::LocalStore
 {
     QString organization;
