@@ -113,11 +113,25 @@ struct FwApplication::SettingReader
 // the system's, which only an administrator writes) are taken in again along with it.
 struct FwApplication::LocalStore
 {
+    // What the file looked like when it was last taken in: its time and size, a size of -1 when it
+    // was not there, and -2 when it is to be taken in at the next read whatever it looks like.
+    struct Stamp
+    {
+        QDateTime modified;
+        qint64 size = -2;
+        bool operator!=(const Stamp& other) const { return size != other.size || modified != other.modified; }
+    };
+
     QString organization;
     QString application;
     std::unique_ptr<QSettings> settings;
-    QDateTime modified;
-    qint64 size = -1;
+    Stamp seen;
+
+    static Stamp stampOf(const QString& path)
+    {
+        const QFileInfo file(path);
+        return Stamp{file.lastModified(), file.exists() ? file.size() : -1};
+    }
 
     QSettings* current()
     {
@@ -130,25 +144,15 @@ struct FwApplication::LocalStore
             settings = std::make_unique<QSettings>(org, app);
             organization = org;
             application = app;
-        } else if (!unchanged()) {
+            seen = Stamp();
+        }
+        // The look comes before the reading, so that a write in between is taken in at the next read.
+        const Stamp now = stampOf(settings->fileName());
+        if (now != seen) {
+            seen = now;
             settings->sync();
         }
-        remember();
         return settings.get();
-    }
-
-    // What the file looked like at the last read or write; a file that is not there has size -1.
-    void remember()
-    {
-        const QFileInfo file(settings->fileName());
-        modified = file.lastModified();
-        size = file.exists() ? file.size() : -1;
-    }
-
-    bool unchanged() const
-    {
-        const QFileInfo file(settings->fileName());
-        return file.lastModified() == modified && (file.exists() ? file.size() : -1) == size;
     }
 };
 
@@ -284,7 +288,9 @@ void FwApplication::setLocalValue(const QString& key, const QVariant& value)
     QSettings* settings = mLocal->current();
     settings->setValue(key, value);
     settings->sync();
-    mLocal->remember();
+    // Another process may write between this write and a look at the file; the next read takes
+    // the file in once more rather than miss that.
+    mLocal->seen = LocalStore::Stamp();
 }
 
 void FwApplication::showSucces(const QString& text, int milliseconds)
