@@ -180,12 +180,9 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
             last = to;
         }
     }
-    // Counted so that a range that ends at the largest seed ends too.
-    for (quint32 seed = first;; ++seed) {
-        QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << seed;
-        if (seed == last)
-            break;
-    }
+    // Counted wider than a seed, so that a range that ends at the largest seed ends too.
+    for (quint64 seed = first; seed <= last; ++seed)
+        QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << quint32(seed);
 }
 
 void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequence()
