@@ -28,6 +28,7 @@
 #include <QPair>
 #include <QPen>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QStringList>
 #include <QStyle>
 #include <QStyleOptionGraphicsItem>
@@ -263,6 +264,19 @@ void polishNow(QGraphicsScene* scene)
 
 } // namespace
 
+// The layout is a function of the boxes' tops, heights and ids alone. Most runs find the boxes as the
+// run before left them (a box becomes the column's child, then takes its first place), so the last
+// answers are kept and given again for the same boxes.
+struct BkCalendarColumn::LayoutMemo
+{
+    QVector<LayoutBox> boxes;
+    QVector<int> indexes;
+    QVector<int> counts;
+    // The boxes of the last run, when it ended with every one of them holding its answer; empty
+    // otherwise. Only compared with, never followed: a box may be gone since.
+    QVector<BkCalendarItemWidget*> settledBoxes;
+};
+
 BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
     : QObject(nullptr)
     , QGraphicsItem(parent)
@@ -466,8 +480,17 @@ void BkCalendarColumn::setModel(BkCalendarModel* model)
 
 BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)
 {
+    mLayoutMemo->settledBoxes.clear();
     auto* widget = new BkCalendarItemWidget(item, mScale, this);
-    widget->widthChanged(mRect.width());
+    {
+        // The box's first place ran the layout with the box in it. If that run left every box
+        // holding its answer, the width given now moves only this box, sideways, and the run that
+        // the move would start reads tops, heights and ids that nothing has touched since: it
+        // would find every box settled and change nothing.
+        const bool settled = mLayoutMemo->settledBoxes.contains(widget);
+        const QScopedValueRollback<bool> hold(mHoldLayout, mHoldLayout || settled);
+        widget->widthChanged(mRect.width());
+    }
     widget->setColorScheme(mScheme);
     widget->updateInfo();
     // Nothing reads key 0; the widget marks itself with 1 and the column with 0.
@@ -624,16 +647,6 @@ void BkCalendarColumn::selectPreviousItem()
     widget->ensureVisible(QRectF(), 50, 50);
 }
 
-// The layout is a function of the boxes' tops, heights and ids alone. Most runs find the boxes as the
-// run before left them (a box joins, then moves sideways with its new width), so the last answers are
-// kept and given again for the same boxes.
-struct BkCalendarColumn::LayoutMemo
-{
-    QVector<LayoutBox> boxes;
-    QVector<int> indexes;
-    QVector<int> counts;
-};
-
 // The state of one layout run, shared with the runs nested in it. Its answers are the column's kept
 // ones, which the run brings up to date for its boxes.
 struct BkCalendarColumn::LayoutRun
@@ -669,6 +682,15 @@ struct BkCalendarColumn::LayoutRun
     {
         const BkCalendarItemWidget* widget = widgets.at(index);
         return widget->colIndex() == indexAt(index) && widget->colCount() == countAt(index);
+    }
+
+    bool allHoldAnswers() const
+    {
+        for (int i = 0; i < widgets.size(); ++i) {
+            if (!holdsAnswer(i))
+                return false;
+        }
+        return true;
     }
 
     // The answers stay those of a fresh search as long as no top, height or id has changed. Every box
@@ -708,12 +730,16 @@ void BkCalendarColumn::checkCollisions()
         if (widget && !widget->deleting())
             run.widgets.append(widget);
     }
-    if (run.widgets.isEmpty())
+    if (run.widgets.isEmpty()) {
+        mLayoutMemo->settledBoxes.clear();
         return;
+    }
     run.compute();
     mLayoutRun = &run;
     settleLayout(run);
     mLayoutRun = nullptr;
+    // The answers are kept for the boxes as they stand now: each box set was checked at once.
+    mLayoutMemo->settledBoxes = run.allHoldAnswers() ? run.widgets : QVector<BkCalendarItemWidget*>();
 }
 
 void BkCalendarColumn::settleLayout(LayoutRun& run)

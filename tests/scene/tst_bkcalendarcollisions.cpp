@@ -98,12 +98,14 @@ struct SimBox
     int count;
     double x;
     bool visible;
+    // The width that the box shares with its sub-columns: the column's 200, or the 100 that a new box
+    // assumes until the column gives it its width.
+    double share = 200.0;
 };
 
 struct LiteralRun
 {
     std::vector<SimBox> boxes;
-    double share = 200.0;
 
     QVector<int> cluster(int w, QVector<int> list) const
     {
@@ -164,7 +166,7 @@ struct LiteralRun
         box.index = index;
         box.count = count;
         box.height = box.timeHeight;
-        const double x = index * (share / count);
+        const double x = index * (box.share / count);
         const bool moved = x != box.x || box.timeTop != box.top;
         box.x = x;
         box.top = box.timeTop;
@@ -172,6 +174,66 @@ struct LiteralRun
             run();
     }
 };
+
+// A box as the model sees it: where it stands now, and where its booking's time would put it.
+SimBox simBoxOf(BkCalendarItemWidget* widget)
+{
+    BkCalendarItem* item = widget->item();
+    SimBox box;
+    box.top = widget->pos().y();
+    box.height = widget->boundingRect().height();
+    box.timeTop = QTime(6, 0).secsTo(item->start()) / 60 * 1.5 + 50.0;
+    box.timeHeight = item->start().secsTo(item->end()) / 60 * 1.5;
+    box.hasItem = true;
+    box.id = item->id.toInt();
+    box.index = widget->colIndex();
+    box.count = widget->colCount();
+    box.x = widget->pos().x();
+    box.visible = widget->isVisible();
+    return box;
+}
+
+void compareWithModel(const QList<BkCalendarItemWidget*>& widgets, const LiteralRun& model)
+{
+    QCOMPARE(widgets.size(), int(model.boxes.size()));
+    for (int i = 0; i < widgets.size(); ++i) {
+        const SimBox& box = model.boxes.at(i);
+        BkCalendarItemWidget* widget = widgets.at(i);
+        QCOMPARE(widget->colIndex(), box.index);
+        QCOMPARE(widget->colCount(), box.count);
+        QCOMPARE(widget->pos(), QPointF(box.x, box.top));
+        QCOMPARE(widget->boundingRect().height(), box.height);
+    }
+}
+
+// A day of bookings whose boxes were not told of everything: some bookings took another id or a new
+// time while blocked, and some boxes are hidden.
+void addStaleDay(BkColumnFixture& fixture, QRandomGenerator& random)
+{
+    const int count = 4 + random.bounded(12);
+    QList<BkCalendarItem*> items;
+    for (int i = 0; i < count; ++i) {
+        const QTime start = QTime(8, 0).addSecs(15 * 60 * random.bounded(16));
+        items.append(fixture.addItem(start, start.addSecs(60 * 15 * random.bounded(0, 8))));
+    }
+    for (BkCalendarItem* item : items) {
+        if (random.bounded(3) == 0)
+            item->id = random.bounded(count);
+        if (random.bounded(2) == 0) {
+            item->setBlocked(true);
+            QTime start = item->start();
+            if (random.bounded(2) == 0)
+                start = QTime(8, 0).addSecs(15 * 60 * random.bounded(16));
+            item->setTime(start, start.addSecs(60 * 15 * random.bounded(0, 8)));
+            item->setBlocked(false);
+        }
+    }
+    const QList<BkCalendarItemWidget*> widgets = fixture.widgets();
+    for (BkCalendarItemWidget* widget : widgets) {
+        if (random.bounded(5) == 0)
+            widget->setVisible(false);
+    }
+}
 
 } // namespace
 
@@ -196,6 +258,8 @@ private slots:
     void shouldRunAsTheLiteralRuleWhenBoxesChangeDuringTheRun_data();
     void shouldRunAsTheLiteralRuleWhenBoxesChangeDuringTheRun();
     void shouldLetLaterBoxesOfARunSeeAHeightThatChangedInIt();
+    void shouldRunAsTheLiteralRuleWhenABookingArrives_data();
+    void shouldRunAsTheLiteralRuleWhenABookingArrives();
 };
 
 void tst_BkCalendarCollisions::shouldShareWidthAsTheWorkedCasesSay_data()
@@ -547,57 +611,14 @@ void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenBoxesChangeDuringThe
     QFETCH(quint32, seed);
     QRandomGenerator random(seed);
     BkColumnFixture fixture;
-    const int count = 4 + random.bounded(12);
-    QList<BkCalendarItem*> items;
-    for (int i = 0; i < count; ++i) {
-        const QTime start = QTime(8, 0).addSecs(15 * 60 * random.bounded(16));
-        items.append(fixture.addItem(start, start.addSecs(60 * 15 * random.bounded(0, 8))));
-    }
-    for (BkCalendarItem* item : items) {
-        if (random.bounded(3) == 0)
-            item->id = random.bounded(count);
-        if (random.bounded(2) == 0) {
-            item->setBlocked(true);
-            QTime start = item->start();
-            if (random.bounded(2) == 0)
-                start = QTime(8, 0).addSecs(15 * 60 * random.bounded(16));
-            item->setTime(start, start.addSecs(60 * 15 * random.bounded(0, 8)));
-            item->setBlocked(false);
-        }
-    }
-
+    addStaleDay(fixture, random);
     const QList<BkCalendarItemWidget*> widgets = fixture.widgets();
-    for (BkCalendarItemWidget* widget : widgets) {
-        if (random.bounded(5) == 0)
-            widget->setVisible(false);
-    }
     LiteralRun model;
-    for (BkCalendarItemWidget* widget : widgets) {
-        BkCalendarItem* item = widget->item();
-        SimBox box;
-        box.top = widget->pos().y();
-        box.height = widget->boundingRect().height();
-        box.timeTop = QTime(6, 0).secsTo(item->start()) / 60 * 1.5 + 50.0;
-        box.timeHeight = item->start().secsTo(item->end()) / 60 * 1.5;
-        box.hasItem = true;
-        box.id = item->id.toInt();
-        box.index = widget->colIndex();
-        box.count = widget->colCount();
-        box.x = widget->pos().x();
-        box.visible = widget->isVisible();
-        model.boxes.push_back(box);
-    }
+    for (BkCalendarItemWidget* widget : widgets)
+        model.boxes.push_back(simBoxOf(widget));
     model.run();
     fixture.column->checkCollisions();
-
-    for (int i = 0; i < widgets.size(); ++i) {
-        const SimBox& box = model.boxes.at(i);
-        BkCalendarItemWidget* widget = widgets.at(i);
-        QCOMPARE(widget->colIndex(), box.index);
-        QCOMPARE(widget->colCount(), box.count);
-        QCOMPARE(widget->pos(), QPointF(box.x, box.top));
-        QCOMPARE(widget->boundingRect().height(), box.height);
-    }
+    compareWithModel(widgets, model);
 }
 
 void tst_BkCalendarCollisions::shouldLetLaterBoxesOfARunSeeAHeightThatChangedInIt()
@@ -623,6 +644,67 @@ void tst_BkCalendarCollisions::shouldLetLaterBoxesOfARunSeeAHeightThatChangedInI
     QCOMPARE(c->widget->colCount(), 2);
     QCOMPARE(a->widget->colCount(), 2);
     QCOMPARE(c->widget->x(), 100.0);
+}
+
+void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenABookingArrives_data()
+{
+    QTest::addColumn<quint32>("seed");
+    for (quint32 seed = 1; seed <= 300; ++seed)
+        QTest::newRow(qPrintable(QString("seed %1").arg(seed))) << seed;
+}
+
+void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenABookingArrives()
+{
+    // A booking arrives in a column whose boxes were not told of everything. Its box joins in three
+    // steps, each a layout run: becoming the column's child (the box is not in that run yet), its
+    // first place, which it takes on a share of 100 before the column has given it its width, and
+    // the column's width, which moves it sideways and lays the column out again if it moved.
+    QFETCH(quint32, seed);
+    QRandomGenerator random(seed);
+    BkColumnFixture fixture;
+    addStaleDay(fixture, random);
+    // A box that grew under the pointer and shrank again stacks above the others, and so comes
+    // after a new box among the column's children.
+    const QList<BkCalendarItemWidget*> before = fixture.widgets();
+    for (BkCalendarItemWidget* widget : before) {
+        if (random.bounded(4) == 0)
+            widget->setZValue(1.0);
+    }
+    LiteralRun model;
+    for (BkCalendarItemWidget* widget : fixture.widgets())
+        model.boxes.push_back(simBoxOf(widget));
+    model.run();
+
+    const QTime start = QTime(8, 0).addSecs(15 * 60 * random.bounded(16));
+    const QTime end = start.addSecs(60 * 15 * random.bounded(0, 8));
+    const QVariant id = random.bounded(2) == 0 ? QVariant() : QVariant(random.bounded(16));
+    BkCalendarItem* item = fixture.addItem(start, end, id);
+    const QList<BkCalendarItemWidget*> after = fixture.widgets();
+    const int place = after.indexOf(item->widget);
+    QVERIFY(place >= 0);
+
+    SimBox arriving;
+    arriving.timeTop = QTime(6, 0).secsTo(start) / 60 * 1.5 + 50.0;
+    arriving.timeHeight = start.secsTo(end) / 60 * 1.5;
+    arriving.top = arriving.timeTop;
+    arriving.height = arriving.timeHeight;
+    arriving.hasItem = true;
+    arriving.id = id.toInt();
+    arriving.index = 1;
+    arriving.count = 1;
+    arriving.x = 100.0;
+    arriving.visible = true;
+    arriving.share = 100.0;
+    model.boxes.insert(model.boxes.begin() + place, arriving);
+    model.run();
+    SimBox& joined = model.boxes.at(place);
+    joined.share = 200.0;
+    const double x = joined.index * (joined.share / joined.count);
+    if (x != joined.x) {
+        joined.x = x;
+        model.run();
+    }
+    compareWithModel(after, model);
 }
 
 FW_TEST_MAIN(tst_BkCalendarCollisions)
