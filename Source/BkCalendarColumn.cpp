@@ -8,6 +8,7 @@
 #include "BkCalendarModel.h"
 #include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
+#include "BkMinutes.h"
 #include "BkVariantInt.h"
 #include "FwApplication.h"
 #include "FwEnums.h"
@@ -47,12 +48,6 @@ bool calendarItemLessThan(BkCalendarItem* a, BkCalendarItem* b)
 }
 
 namespace {
-
-// Whole minutes from a to b; the seconds are divided away, towards zero.
-int minutesBetween(const QTime& a, const QTime& b)
-{
-    return a.secsTo(b) / 60;
-}
 
 // One box as the layout sees it: its top and bottom in column coordinates and its tie-break key.
 struct LayoutBox

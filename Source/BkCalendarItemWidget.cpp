@@ -5,6 +5,7 @@
 #include "BkCalendarItem.h"
 #include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
+#include "BkMinutes.h"
 #include "BkVariantInt.h"
 #include "FwApplication.h"
 #include "FwMessageBox.h"
@@ -33,11 +34,6 @@
 #include <cmath>
 
 namespace {
-
-int minutesBetween(const QTime& a, const QTime& b)
-{
-    return a.secsTo(b) / 60;
-}
 
 // A setting read at the moment of use, so that a change in the host counts at once. Boxes read theirs
 // at every construction and paint, so the keys come as literals that need no conversion.
@@ -190,7 +186,8 @@ void BkCalendarItemWidget::updateInfo()
 {
     if (!mScale || !mItem)
         return;
-    Colours from;
+    // Written in place, since the layout comes here for every box whose share changes.
+    Colours& from = mWantedColours ? *mWantedColours : mWantedColours.emplace();
     from.fillTop = mItem->topColor;
     from.fillBottom = mItem->bottomColor;
     const int statusId = variantToInt(mItem->statusId);
@@ -198,14 +195,11 @@ void BkCalendarItemWidget::updateInfo()
         from.fillTop = mScheme->statusColors.value(statusId).color;
         from.fillBottom = from.fillTop.darker(150);
     }
-    if (mScheme) {
-        from.selectedTop = mScheme->selectedHeader;
-        from.selectedBottom = mScheme->selectedHeaderGradient;
-    }
+    from.selectedTop = mScheme ? mScheme->selectedHeader : QColor();
+    from.selectedBottom = mScheme ? mScheme->selectedHeaderGradient : QColor();
     // The outline follows the booking's own colour even when a status colour fills the box.
     from.outline = mItem->bottomColor;
     from.scheme = mScheme != nullptr;
-    mWantedColours = from;
 
     const double m = double(mScale->minuteHeight());
     const double t = double(mScale->topMargin());

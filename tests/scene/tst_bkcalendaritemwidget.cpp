@@ -24,6 +24,8 @@ private slots:
     void shouldShowToolTipOnlyWhenSettingIsOne_data();
     void shouldShowToolTipOnlyWhenSettingIsOne();
     void shouldTakeGeometryFromBookingTime();
+    void shouldCountWholeMinutesAsQtCountsSeconds_data();
+    void shouldCountWholeMinutesAsQtCountsSeconds();
     void shouldShareColumnWidthBySubColumn();
     void shouldFillWithStatusColourWhenSchemeKnowsIt();
     void shouldKeepOwnColoursForUnknownOrNullStatus_data();
@@ -129,6 +131,39 @@ void tst_BkCalendarItemWidget::shouldTakeGeometryFromBookingTime()
     item->setTime(QTime(9, 0, 59), QTime(9, 45, 58));
     QCOMPARE(widget->boxY(), 320.0);
     QCOMPARE(widget->boxHeight(), 66.0);
+}
+
+void tst_BkCalendarItemWidget::shouldCountWholeMinutesAsQtCountsSeconds_data()
+{
+    QTest::addColumn<QTime>("start");
+    QTest::addColumn<QTime>("end");
+    const auto at = [](int msecs) { return QTime::fromMSecsSinceStartOfDay(msecs); };
+    QTest::newRow("whole minutes") << QTime(9, 0) << QTime(9, 45);
+    QTest::newRow("seconds and milliseconds") << QTime(9, 0, 59, 999) << QTime(9, 45, 0, 1);
+    QTest::newRow("a minute of whole seconds, less in milliseconds") << QTime(9, 0, 0, 999) << QTime(9, 1);
+    QTest::newRow("end before start") << QTime(10, 0, 30) << QTime(9, 15, 10);
+    QTest::newRow("before the scale") << QTime(5, 59, 1) << QTime(6, 0, 59);
+    QTest::newRow("midnight to the last millisecond") << QTime(0, 0) << QTime(23, 59, 59, 999);
+    QTest::newRow("no start") << QTime() << QTime(9, 0);
+    QTest::newRow("no end") << QTime(9, 0) << QTime();
+    // Times that a host's row may carry: outside a day, yet not empty.
+    QTest::newRow("negative start") << at(-5) << QTime(9, 0);
+    QTest::newRow("start at the end of the day") << at(24 * 3600 * 1000) << QTime(9, 0);
+    QTest::newRow("end beyond the day") << QTime(9, 0) << at(24 * 3600 * 1000 + 60000);
+}
+
+void tst_BkCalendarItemWidget::shouldCountWholeMinutesAsQtCountsSeconds()
+{
+    // Whole minutes are QTime::secsTo divided by 60: no minutes for a time that is not valid, and
+    // the milliseconds of each time dropped before the difference.
+    QFETCH(QTime, start);
+    QFETCH(QTime, end);
+    BkColumnFixture fixture;
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(9, 45), 1);
+    item->setTime(start, end);
+    BkCalendarItemWidget* widget = item->widget;
+    QCOMPARE(widget->boxY(), QTime(6, 0).secsTo(start) / 60 * 1.5 + 50.0);
+    QCOMPARE(widget->boxHeight(), start.secsTo(end) / 60 * 1.5);
 }
 
 void tst_BkCalendarItemWidget::shouldShareColumnWidthBySubColumn()
