@@ -206,6 +206,14 @@ void compareWithModel(const QList<BkCalendarItemWidget*>& widgets, const Literal
     }
 }
 
+// One row per seed of a random case, from 1 to last.
+void addSeedRows(quint32 last)
+{
+    QTest::addColumn<quint32>("seed");
+    for (quint32 seed = 1; seed <= last; ++seed)
+        QTest::newRow(qPrintable(QString("seed %1").arg(seed))) << seed;
+}
+
 // A day of bookings whose boxes were not told of everything: some bookings took another id or a new
 // time while blocked, and some boxes are hidden.
 void addStaleDay(BkColumnFixture& fixture, QRandomGenerator& random)
@@ -598,9 +606,7 @@ void tst_BkCalendarCollisions::shouldMatchTheLiteralRuleOnRandomDays()
 
 void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenBoxesChangeDuringTheRun_data()
 {
-    QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 200; ++seed)
-        QTest::newRow(qPrintable(QString("seed %1").arg(seed))) << seed;
+    addSeedRows(200);
 }
 
 void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenBoxesChangeDuringTheRun()
@@ -648,9 +654,7 @@ void tst_BkCalendarCollisions::shouldLetLaterBoxesOfARunSeeAHeightThatChangedInI
 
 void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenABookingArrives_data()
 {
-    QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 300; ++seed)
-        QTest::newRow(qPrintable(QString("seed %1").arg(seed))) << seed;
+    addSeedRows(300);
 }
 
 void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenABookingArrives()
