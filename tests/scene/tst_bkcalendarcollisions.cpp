@@ -175,6 +175,18 @@ struct LiteralRun
     }
 };
 
+// Where a booking's time puts its box in the fixture's column: whole minutes from the scale's 06:00,
+// 1.5 a minute, below a margin of 50.
+double timeTopOf(const QTime& start)
+{
+    return QTime(6, 0).secsTo(start) / 60 * 1.5 + 50.0;
+}
+
+double timeHeightOf(const QTime& start, const QTime& end)
+{
+    return start.secsTo(end) / 60 * 1.5;
+}
+
 // A box as the model sees it: where it stands now, and where its booking's time would put it.
 SimBox simBoxOf(BkCalendarItemWidget* widget)
 {
@@ -182,8 +194,8 @@ SimBox simBoxOf(BkCalendarItemWidget* widget)
     SimBox box;
     box.top = widget->pos().y();
     box.height = widget->boundingRect().height();
-    box.timeTop = QTime(6, 0).secsTo(item->start()) / 60 * 1.5 + 50.0;
-    box.timeHeight = item->start().secsTo(item->end()) / 60 * 1.5;
+    box.timeTop = timeTopOf(item->start());
+    box.timeHeight = timeHeightOf(item->start(), item->end());
     box.hasItem = true;
     box.id = item->id.toInt();
     box.index = widget->colIndex();
@@ -688,8 +700,8 @@ void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenABookingArrives()
     QVERIFY(place >= 0);
 
     SimBox arriving;
-    arriving.timeTop = QTime(6, 0).secsTo(start) / 60 * 1.5 + 50.0;
-    arriving.timeHeight = start.secsTo(end) / 60 * 1.5;
+    arriving.timeTop = timeTopOf(start);
+    arriving.timeHeight = timeHeightOf(start, end);
     arriving.top = arriving.timeTop;
     arriving.height = arriving.timeHeight;
     arriving.hasItem = true;
