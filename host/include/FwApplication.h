@@ -14,7 +14,9 @@
 // application's settings, the values local to this machine and the message area.
 //
 // Settings (getValue/setValue) live in the table "fw_setting" of the default SQL connection when
-// that connection is open, else in memory. Local values live in QSettings.
+// that connection is open, else in memory. A setting read from the database keeps its value until
+// the application next handles events: a value written through setValue counts at once, an edit of
+// the table by another program from the next event on. Local values live in QSettings.
 class FWWIDGETS_EXPORT FwApplication : public QApplication
 {
     Q_OBJECT

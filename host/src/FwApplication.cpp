@@ -79,13 +79,78 @@ QVariant valueOf(const QVariant& text, int type)
 
 } // namespace
 
-// The statement that reads one setting, prepared once for the connection it was made on. A calendar
-// reads a setting at each construction and paint of a booking box; parsing the statement anew each
-// time was most of the cost of a read. Every read still asks the database, so a change counts at once.
+// The statement that reads one setting, prepared once for the connection it was made on, and what the
+// reads gave since the application last handled events. A calendar reads a setting at each
+// construction and paint of a booking box: thousands of reads in one rebuild or paint of a large
+// group, each a round trip to a database server (about 120 µs to a local PostgreSQL). Within one
+// piece of work each setting is read once and keeps its value throughout; the next event reads it
+// anew, so an edit made by another program counts from then on, and one made through setValue at once.
 struct FwApplication::SettingReader
 {
+    // The database that a read came from; a read kept from one says nothing of another. The driver is
+    // watched, so that a connection made anew in the place of a removed one counts as another even
+    // where it takes the same address.
+    struct Source
+    {
+        QPointer<const QSqlDriver> driver;
+        QString name;
+        QString host;
+        QString user;
+        int port = -1;
+
+        static Source of(const QSqlDatabase& db)
+        {
+            return Source{db.driver(), db.databaseName(), db.hostName(), db.userName(), db.port()};
+        }
+        bool operator==(const Source& other) const
+        {
+            return driver && driver == other.driver && port == other.port && name == other.name &&
+                   host == other.host && user == other.user;
+        }
+    };
+    // One read: whether the key was there, and its value.
+    struct Read
+    {
+        bool found = false;
+        QVariant value;
+    };
+
     QPointer<QSqlDriver> driver;
     std::unique_ptr<QSqlQuery> query;
+    QHash<QString, Read> reads;
+    Source readsFrom;
+    bool forgetQueued = false;
+
+    // What an earlier read of this piece of work gave for the key on this database, or null.
+    const Read* readBefore(const QSqlDatabase& db, const QString& key)
+    {
+        if (reads.isEmpty())
+            return nullptr;
+        if (!(readsFrom == Source::of(db))) {
+            reads.clear();
+            return nullptr;
+        }
+        const auto read = reads.constFind(key);
+        return read != reads.constEnd() ? &read.value() : nullptr;
+    }
+
+    // Keeps a read until the application next handles events.
+    void keep(const QSqlDatabase& db, const QString& key, bool found, const QVariant& value)
+    {
+        if (reads.isEmpty())
+            readsFrom = Source::of(db);
+        reads.insert(key, Read{found, found ? value : QVariant()});
+        if (forgetQueued)
+            return;
+        forgetQueued = true;
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [this] {
+                forgetQueued = false;
+                reads.clear();
+            },
+            Qt::QueuedConnection);
+    }
 
     // The statement on this connection, prepared if need be; null while the table is missing.
     QSqlQuery* prepared(const QSqlDatabase& db, bool again)
@@ -199,6 +264,7 @@ void FwApplication::setValue(const QVariant& value, const QString& key, const QS
 {
     if (key.isEmpty())
         return;
+    mReader->reads.remove(key);
     if (writeStoredValue(value, key, table))
         mMemoryValues.remove(key);
     else
@@ -208,8 +274,15 @@ void FwApplication::setValue(const QVariant& value, const QString& key, const QS
 bool FwApplication::readStoredValue(const QString& key, QVariant* value) const
 {
     QSqlDatabase db = openDatabase();
-    if (!db.isValid())
+    if (!db.isValid()) {
+        mReader->reads.clear();
         return false;
+    }
+    if (const SettingReader::Read* read = mReader->readBefore(db, key)) {
+        if (read->found)
+            *value = read->value;
+        return read->found;
+    }
     auto run = [&key](QSqlQuery* query) {
         query->bindValue(0, key);
         return query->exec();
@@ -219,16 +292,20 @@ bool FwApplication::readStoredValue(const QString& key, QVariant* value) const
     QSqlQuery* query = mReader->prepared(db, false);
     if (query && !run(query)) {
         query = mReader->prepared(db, true);
+        // A read that fails tells nothing, so it is not kept.
         if (query && !run(query))
             return false;
     }
-    if (!query)
-        return false;
-    const bool found = query->next();
-    if (found)
-        *value = valueOf(query->value(0), query->value(1).toInt());
-    // Done with the row, so that the statement holds no read lock on the database until the next read.
-    query->finish();
+    // Without the table nothing is stored yet.
+    bool found = false;
+    if (query) {
+        found = query->next();
+        if (found)
+            *value = valueOf(query->value(0), query->value(1).toInt());
+        // Done with the row, so that the statement holds no read lock on the database until the next read.
+        query->finish();
+    }
+    mReader->keep(db, key, found, *value);
     return found;
 }
 

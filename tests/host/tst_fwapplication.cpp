@@ -29,6 +29,7 @@ private slots:
     void shouldKeepSettingsInMemoryWithoutDatabase();
     void shouldReadWhatAnotherConnectionWroteAndHoldNoLock();
     void shouldReadATableMadeAnew();
+    void shouldKeepWhatWasReadUntilTheNextEvent();
     void shouldReadMalformedRowsAsText_data();
     void shouldReadMalformedRowsAsText();
     void shouldKeepLocalValuesInSettings();
@@ -155,10 +156,13 @@ void tst_FwApplication::shouldReadWhatAnotherConnectionWroteAndHoldNoLock()
                                                "'set_calshowtime'")
                                     .arg(value)),
                      qPrintable(write.lastError().text()));
+            // Another program's edit counts from the application's next event.
+            QCoreApplication::processEvents();
             QCOMPARE(iApp->getValue(QStringLiteral("set_calshowtime"), QString()).toInt(), value);
         }
         QSqlQuery remove(other);
         QVERIFY(remove.exec(QStringLiteral("DELETE FROM fw_setting WHERE fw_key = 'set_calshowtime'")));
+        QCoreApplication::processEvents();
         QCOMPARE(iApp->getValue(QStringLiteral("set_calshowtime"), QStringLiteral("gone")).toString(),
                  QStringLiteral("gone"));
         other.close();
@@ -178,10 +182,43 @@ void tst_FwApplication::shouldReadATableMadeAnew()
     QCOMPARE(iApp->getValue(QStringLiteral("set_calexpandsize"), QString()).toInt(), 4);
     SQLQuery drop;
     QVERIFY(drop.exec(QStringLiteral("DROP TABLE fw_setting")));
+    QCoreApplication::processEvents();
     QCOMPARE(iApp->getValue(QStringLiteral("set_calexpandsize"), QStringLiteral("none")).toString(),
              QStringLiteral("none"));
     iApp->setValue(6, QStringLiteral("set_calexpandsize"), QString());
     QCOMPARE(iApp->getValue(QStringLiteral("set_calexpandsize"), QString()).toInt(), 6);
+}
+
+void tst_FwApplication::shouldKeepWhatWasReadUntilTheNextEvent()
+{
+    auto read = [](const char* key) {
+        return iApp->getValue(QString::fromLatin1(key), QStringLiteral("unset")).toString();
+    };
+    auto edit = [](const QString& statement) {
+        SQLQuery query;
+        return query.exec(statement);
+    };
+    iApp->setValue(1, QStringLiteral("set_calexpandsize"), QString());
+    QCOMPARE(read("set_calexpandsize"), QStringLiteral("1"));
+    QCOMPARE(read("set_kept_unset"), QStringLiteral("unset"));
+
+    // An edit of the table from outside, as another program makes it: the work under way goes on
+    // with the values it has read, a key found missing included.
+    QVERIFY(edit(QStringLiteral("UPDATE fw_setting SET fw_value = '7' WHERE fw_key = 'set_calexpandsize'")));
+    QVERIFY(edit(QStringLiteral("INSERT INTO fw_setting (fw_key, fw_table, fw_value, fw_type) "
+                                "VALUES ('set_kept_unset', '', '3', 2)")));
+    QCOMPARE(read("set_calexpandsize"), QStringLiteral("1"));
+    QCOMPARE(read("set_kept_unset"), QStringLiteral("unset"));
+
+    // From the next event on, both count.
+    QCoreApplication::processEvents();
+    QCOMPARE(read("set_calexpandsize"), QStringLiteral("7"));
+    QCOMPARE(read("set_kept_unset"), QStringLiteral("3"));
+
+    // A value written through the application counts at once.
+    iApp->setValue(9, QStringLiteral("set_calexpandsize"), QString());
+    QCOMPARE(read("set_calexpandsize"), QStringLiteral("9"));
+    QVERIFY(edit(QStringLiteral("DELETE FROM fw_setting WHERE fw_key = 'set_kept_unset'")));
 }
 
 void tst_FwApplication::shouldReadMalformedRowsAsText_data()
