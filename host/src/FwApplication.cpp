@@ -102,10 +102,10 @@ struct FwApplication::SettingReader
         {
             return Source{db.driver(), db.databaseName(), db.hostName(), db.userName(), db.port()};
         }
-        bool operator==(const Source& other) const
+        bool is(const QSqlDatabase& db) const
         {
-            return driver && driver == other.driver && port == other.port && name == other.name &&
-                   host == other.host && user == other.user;
+            return driver && driver == db.driver() && port == db.port() && name == db.databaseName() &&
+                   host == db.hostName() && user == db.userName();
         }
     };
     // One read: whether the key was there, and its value.
@@ -126,7 +126,7 @@ struct FwApplication::SettingReader
     {
         if (reads.isEmpty())
             return nullptr;
-        if (!(readsFrom == Source::of(db))) {
+        if (!readsFrom.is(db)) {
             reads.clear();
             return nullptr;
         }
