@@ -537,8 +537,18 @@ QVariant BkCalendarColumn::itemChange(QGraphicsItem::GraphicsItemChange change, 
 {
     if (change == ItemSelectedChange && value.toBool())
         emit dateSelected(mDate);
-    else if (change == ItemChildAddedChange || change == ItemChildRemovedChange)
+    else if (change == ItemChildAddedChange || change == ItemChildRemovedChange) {
+        if (change == ItemChildAddedChange && mHeader) {
+            // Qt keeps the children in the order they came and sorts them by z whenever they are
+            // listed; at each new child it sorts them back unless the two orders agree. The header
+            // came first but is drawn above every box, so each new box would cost two full sorts.
+            // Placed before the header in the order of coming, the box leaves both orders equal;
+            // the header's z is above every box's, so nothing is drawn, hit or listed otherwise.
+            if (auto* child = qvariant_cast<QGraphicsItem*>(value); child && child != mHeader)
+                child->stackBefore(mHeader);
+        }
         checkCollisions();
+    }
     return QGraphicsItem::itemChange(change, value);
 }
 

@@ -68,6 +68,7 @@ private slots:
     void shouldMoveBoxWhenBookingChanges();
     void shouldDropBoxWhenBookingIsRemoved();
     void shouldNeverReuseBoxes();
+    void shouldListBoxesInTheirOrderUnderTheHeader();
     void shouldTellDateWhenSelected();
     void shouldListItemsWithOrWithoutReserved();
     void shouldFindSelectedItem();
@@ -569,6 +570,53 @@ void tst_BkCalendarColumn::shouldNeverReuseBoxes()
     QVERIFY(item->widget);
     QCOMPARE(fixture.widgets().size(), 1);
     QCOMPARE(fixture.column->childItems().size(), 2); // the header stays
+}
+
+// The column's children come in stacking order: by z, and among equals in the order they came. The
+// header stays last, above every box, however many boxes come after it.
+void tst_BkCalendarColumn::shouldListBoxesInTheirOrderUnderTheHeader()
+{
+    BkColumnFixture fixture;
+    BkCalendarHeader* header = fixture.column->header();
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* b = fixture.addItem(QTime(8, 0), QTime(9, 0), 2);
+    BkCalendarItem* c = fixture.addItem(QTime(11, 0), QTime(12, 0), 3);
+    using Children = QList<QGraphicsItem*>;
+    QCOMPARE(fixture.column->childItems(), (Children{a->widget, b->widget, c->widget, header}));
+
+    // A raised box goes after the others; lowered again, it takes its old place among them.
+    a->widget->setZValue(100.0);
+    QCOMPARE(fixture.column->childItems(), (Children{b->widget, c->widget, a->widget, header}));
+    a->widget->setZValue(0.0);
+    QCOMPARE(fixture.column->childItems(), (Children{a->widget, b->widget, c->widget, header}));
+
+    // A box that comes from the next day's column is the last of the boxes.
+    auto* next = new BkCalendarColumn(nullptr, false);
+    fixture.scene.addItem(next);
+    next->setTimeScale(fixture.scale);
+    next->init(-1.0);
+    next->setModel(&fixture.model);
+    next->setDate(fixture.date.addDays(1));
+    next->setResource(fixture.resource);
+    next->update();
+    auto* d = new BkCalendarItem();
+    d->id = 4;
+    d->setDate(fixture.date.addDays(1));
+    d->setUserId(fixture.resource.id);
+    d->setTime(QTime(14, 0), QTime(15, 0));
+    fixture.model.addItem(d);
+    BkCalendarItemWidget* moved = d->widget;
+    QCOMPARE(moved->parentItem(), next);
+    fixture.addPlan(QTime(13, 0), QTime(16, 0), true);
+    QVERIFY(fixture.column->tryToMoveItem(d, QTime(14, 0)));
+    QCOMPARE(d->widget, moved);
+    QCOMPARE(fixture.column->childItems(), (Children{a->widget, b->widget, c->widget, moved, header}));
+
+    // Even a box raised as high as the header stays below it.
+    b->widget->setZValue(header->zValue());
+    QCOMPARE(fixture.column->childItems(), (Children{a->widget, c->widget, moved, b->widget, header}));
+    const QList<QGraphicsItem*> topFirst = fixture.scene.items(Qt::DescendingOrder);
+    QVERIFY(topFirst.indexOf(header) < topFirst.indexOf(b->widget));
 }
 
 void tst_BkCalendarColumn::shouldTellDateWhenSelected()
