@@ -292,6 +292,8 @@ BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
     , mLayoutMemo(std::make_unique<LayoutMemo>())
     , mHoldLayout(false)
     , mDeferBoxes(false)
+    , mOtherChildren(0)
+    , mOthersBeforeHeader(false)
 {
     setFlags(QGraphicsItem::ItemIsSelectable);
     setAcceptDrops(true);
@@ -538,18 +540,33 @@ QVariant BkCalendarColumn::itemChange(QGraphicsItem::GraphicsItemChange change, 
     if (change == ItemSelectedChange && value.toBool())
         emit dateSelected(mDate);
     else if (change == ItemChildAddedChange || change == ItemChildRemovedChange) {
-        if (change == ItemChildAddedChange && mHeader) {
-            // Qt keeps the children in the order they came and sorts them by z whenever they are
-            // listed; at each new child it sorts them back unless the two orders agree. The header
-            // came first but is drawn above every box, so each new box would cost two full sorts.
-            // Placed before the header in the order of coming, the box leaves both orders equal;
-            // the header's z is above every box's, so nothing is drawn, hit or listed otherwise.
-            if (auto* child = qvariant_cast<QGraphicsItem*>(value); child && child != mHeader)
-                child->stackBefore(mHeader);
+        auto* child = qvariant_cast<QGraphicsItem*>(value);
+        if (mHeader && child && child != mHeader) {
+            if (change == ItemChildRemovedChange)
+                --mOtherChildren;
+            else
+                keepOrderOfComing(child);
         }
         checkCollisions();
     }
     return QGraphicsItem::itemChange(change, value);
+}
+
+void BkCalendarColumn::keepOrderOfComing(QGraphicsItem* child)
+{
+    // Qt keeps the children in the order they came and sorts them by z whenever they are listed; at
+    // each new child it sorts them back unless the two orders agree. The header came first but is
+    // drawn above every box, so while boxes come one by one, each listed by a layout run, every box
+    // would cost two sorts of all. A box placed before the header in the order of coming leaves the
+    // two orders equal. The header's z is above every box's, so nothing is drawn, hit or listed
+    // otherwise.
+    // While the column builds its boxes in one go, nothing lists them in between and there is nothing
+    // to save. The choice is made when the first child after the header comes and holds until the
+    // header is alone again, so that the children always stand in the order they came.
+    if (mOtherChildren++ == 0)
+        mOthersBeforeHeader = !mHoldLayout;
+    if (mOthersBeforeHeader)
+        child->stackBefore(mHeader);
 }
 
 QList<BkCalendarItem*> BkCalendarColumn::getItems(bool excludeReserved) const

@@ -156,6 +156,7 @@ private:
     struct LayoutRun;
     struct LayoutMemo;
     void settleLayout(LayoutRun& run);
+    void keepOrderOfComing(QGraphicsItem* child);
     void moveTo(const QPointF& position);
     bool showsSomething() const;
     void placeGrip();
@@ -183,6 +184,9 @@ private:
     // True while updateChildren replaces the boxes; it lays them out once at the end.
     bool mHoldLayout;
     bool mDeferBoxes;
+    // The children besides the header, and whether they stand before it in the order of coming.
+    int mOtherChildren;
+    bool mOthersBeforeHeader;
 };
 
 #endif // BKCALENDARCOLUMN_H

@@ -572,23 +572,26 @@ void tst_BkCalendarColumn::shouldNeverReuseBoxes()
     QCOMPARE(fixture.column->childItems().size(), 2); // the header stays
 }
 
-// The column's children come in stacking order: by z, and among equals in the order they came. The
-// header stays last, above every box, however many boxes come after it.
+// The column's children come in stacking order: by z, and among equals in the order they came,
+// whether the boxes came one by one or in one rebuild. The header is listed last, above every box.
 void tst_BkCalendarColumn::shouldListBoxesInTheirOrderUnderTheHeader()
 {
     BkColumnFixture fixture;
-    BkCalendarHeader* header = fixture.column->header();
+    BkCalendarColumn* column = fixture.column;
+    BkCalendarHeader* header = column->header();
+    using Children = QList<QGraphicsItem*>;
+
+    // One by one.
     BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
     BkCalendarItem* b = fixture.addItem(QTime(8, 0), QTime(9, 0), 2);
     BkCalendarItem* c = fixture.addItem(QTime(11, 0), QTime(12, 0), 3);
-    using Children = QList<QGraphicsItem*>;
-    QCOMPARE(fixture.column->childItems(), (Children{a->widget, b->widget, c->widget, header}));
+    QCOMPARE(column->childItems(), (Children{a->widget, b->widget, c->widget, header}));
 
     // A raised box goes after the others; lowered again, it takes its old place among them.
     a->widget->setZValue(100.0);
-    QCOMPARE(fixture.column->childItems(), (Children{b->widget, c->widget, a->widget, header}));
+    QCOMPARE(column->childItems(), (Children{b->widget, c->widget, a->widget, header}));
     a->widget->setZValue(0.0);
-    QCOMPARE(fixture.column->childItems(), (Children{a->widget, b->widget, c->widget, header}));
+    QCOMPARE(column->childItems(), (Children{a->widget, b->widget, c->widget, header}));
 
     // A box that comes from the next day's column is the last of the boxes.
     auto* next = new BkCalendarColumn(nullptr, false);
@@ -608,15 +611,23 @@ void tst_BkCalendarColumn::shouldListBoxesInTheirOrderUnderTheHeader()
     BkCalendarItemWidget* moved = d->widget;
     QCOMPARE(moved->parentItem(), next);
     fixture.addPlan(QTime(13, 0), QTime(16, 0), true);
-    QVERIFY(fixture.column->tryToMoveItem(d, QTime(14, 0)));
+    QVERIFY(column->tryToMoveItem(d, QTime(14, 0)));
     QCOMPARE(d->widget, moved);
-    QCOMPARE(fixture.column->childItems(), (Children{a->widget, b->widget, c->widget, moved, header}));
+    QCOMPARE(column->childItems(), (Children{a->widget, b->widget, c->widget, moved, header}));
 
-    // Even a box raised as high as the header stays below it.
-    b->widget->setZValue(header->zValue());
-    QCOMPARE(fixture.column->childItems(), (Children{a->widget, c->widget, moved, b->widget, header}));
+    // In one rebuild, in the model's order; a booking that comes afterwards is the last of the boxes.
+    column->update();
+    QCOMPARE(column->childItems(), (Children{a->widget, b->widget, c->widget, d->widget, header}));
+    BkCalendarItem* e = fixture.addItem(QTime(7, 0), QTime(8, 0), 5);
+    QCOMPARE(column->childItems(), (Children{a->widget, b->widget, c->widget, d->widget, e->widget, header}));
+    b->widget->setZValue(1.0);
+    QCOMPARE(column->childItems(), (Children{a->widget, c->widget, d->widget, e->widget, b->widget, header}));
+    b->widget->setZValue(0.0);
+    QCOMPARE(column->childItems(), (Children{a->widget, b->widget, c->widget, d->widget, e->widget, header}));
+
+    // The header is drawn above the boxes.
     const QList<QGraphicsItem*> topFirst = fixture.scene.items(Qt::DescendingOrder);
-    QVERIFY(topFirst.indexOf(header) < topFirst.indexOf(b->widget));
+    QVERIFY(topFirst.indexOf(header) < topFirst.indexOf(a->widget));
 }
 
 void tst_BkCalendarColumn::shouldTellDateWhenSelected()
