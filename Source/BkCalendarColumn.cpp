@@ -558,8 +558,8 @@ void BkCalendarColumn::keepOrderOfComing(QGraphicsItem* child)
     // each new child it sorts them back unless the two orders agree. The header came first but is
     // drawn above every box, so while boxes come one by one, each listed by a layout run, every box
     // would cost two sorts of all. A box placed before the header in the order of coming leaves the
-    // two orders equal. The header's z is above every box's, so nothing is drawn, hit or listed
-    // otherwise.
+    // two orders equal. The order of coming only decides between equal z values, and a box stands at
+    // 0, 1 or 100, below the header's 250, so nothing is drawn, hit or listed otherwise.
     // While the column builds its boxes in one go, nothing lists them in between and there is nothing
     // to save. The choice is made when the first child after the header comes and holds until the
     // header is alone again, so that the children always stand in the order they came.
