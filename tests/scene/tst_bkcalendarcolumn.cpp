@@ -628,6 +628,21 @@ void tst_BkCalendarColumn::shouldListBoxesInTheirOrderUnderTheHeader()
     // The header is drawn above the boxes.
     const QList<QGraphicsItem*> topFirst = fixture.scene.items(Qt::DescendingOrder);
     QVERIFY(topFirst.indexOf(header) < topFirst.indexOf(a->widget));
+
+    // With every box gone, the next ones again stand in the order they came, one by one and rebuilt.
+    for (BkCalendarItem* item : {a, b, c, d, e})
+        fixture.model.removeItem(item);
+    fixture.flushDeletes();
+    QCOMPARE(column->childItems(), (Children{header}));
+    BkCalendarItem* f = fixture.addItem(QTime(10, 0), QTime(11, 0), 6);
+    BkCalendarItem* g = fixture.addItem(QTime(9, 0), QTime(10, 0), 7);
+    f->widget->setZValue(1.0);
+    QCOMPARE(column->childItems(), (Children{g->widget, f->widget, header}));
+    f->widget->setZValue(0.0);
+    QCOMPARE(column->childItems(), (Children{f->widget, g->widget, header}));
+    column->update();
+    BkCalendarItem* h = fixture.addItem(QTime(12, 0), QTime(13, 0), 8);
+    QCOMPARE(column->childItems(), (Children{f->widget, g->widget, h->widget, header}));
 }
 
 void tst_BkCalendarColumn::shouldTellDateWhenSelected()
