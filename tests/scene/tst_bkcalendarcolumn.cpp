@@ -630,8 +630,10 @@ void tst_BkCalendarColumn::shouldListBoxesInTheirOrderUnderTheHeader()
     QVERIFY(topFirst.indexOf(header) < topFirst.indexOf(a->widget));
 
     // With every box gone, the next ones again stand in the order they came, one by one and rebuilt.
-    for (BkCalendarItem* item : {a, b, c, d, e})
+    for (BkCalendarItem* item : {a, b, c, d, e}) {
         fixture.model.removeItem(item);
+        delete item;
+    }
     fixture.flushDeletes();
     QCOMPARE(column->childItems(), (Children{header}));
     BkCalendarItem* f = fixture.addItem(QTime(10, 0), QTime(11, 0), 6);
