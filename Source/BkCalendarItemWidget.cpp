@@ -541,6 +541,16 @@ void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, c
     painter->restore();
 }
 
+const QString& BkCalendarItemWidget::ClockText::of(QTime t)
+{
+    if (!written || t != time) {
+        time = t;
+        text = t.toString(QStringLiteral("h:mm"));
+        written = true;
+    }
+    return text;
+}
+
 void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)
 {
     Q_UNUSED(widget)
@@ -642,8 +652,11 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
             bounds = block.measure(painter, area, flags, line);
     };
     if (settingValue(QStringLiteral("set_calshowtime")) == 1 && type != BkCalendarItem::TextOnly) {
-        drawLine(mTimeLine, r, Qt::AlignLeft,
-                 tr("%1 - %2").arg(mItem->start().toString("h:mm"), mItem->end().toString("h:mm")));
+        // The times are put into words only where the line is drawn or measured: the narrow boxes of
+        // a large group do neither, and would spend more on the words than on the rest of their text.
+        if (textShows || iconsFollowText)
+            drawLine(mTimeLine, r, Qt::AlignLeft,
+                     tr("%1 - %2").arg(mStartText.of(mItem->start()), mEndText.of(mItem->end())));
         r.setTop(bounds.bottom());
     }
     if (type == BkCalendarItem::Meeting)

@@ -10,6 +10,7 @@
 #include <QLinearGradient>
 #include <QList>
 #include <QObject>
+#include <QTime>
 
 #include <QPoint>
 #include <QPointF>
@@ -171,6 +172,17 @@ private:
     std::optional<Colours> mWantedColours;
     mutable std::optional<Colours> mColours;
 
+    // A time as the time line writes it, kept with the time it was written for: a box is painted far
+    // more often than its booking moves.
+    struct ClockText
+    {
+        QTime time;
+        QString text;
+        bool written = false;
+        const QString& of(QTime t);
+    };
+    ClockText mStartText;
+    ClockText mEndText;
     // The time line and the title as laid out for the last paint.
     BkCalendarTextBlock mTimeLine;
     BkCalendarTextBlock mTitleLines;

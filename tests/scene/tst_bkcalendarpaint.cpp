@@ -104,6 +104,7 @@ private slots:
     void shouldInsetTextByStrips();
     void shouldPaintStripsAndTheirLines();
     void shouldPutTimeLineAboveTitleWhenSettingIsOne();
+    void shouldWriteTheTimesAnewWhenTheBookingMoves();
     void shouldStartTextOnlyAtTopWithoutTime();
     void shouldShowMeetingInPlaceOfTitle();
     void shouldDrawUsersIconOnlyAboveFortyPixels();
@@ -209,6 +210,27 @@ void tst_BkCalendarPaint::shouldPutTimeLineAboveTitleWhenSettingIsOne()
     setSetting("set_calshowtime", 2);
     QVERIFY(findRed(paintItem(item->widget), &with, &from, &to));
     QCOMPARE(with, without);
+}
+
+// The time line follows the booking: after a move the box shows what a box made at the new times shows.
+void tst_BkCalendarPaint::shouldWriteTheTimesAnewWhenTheBookingMoves()
+{
+    setSetting("set_calshowtime", 1);
+    BkColumnFixture fixture(false, 105.0);
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 30), 1);
+    item->setTitle("Title");
+    const QImage before = paintItem(item->widget);
+    item->setTime(QTime(11, 15), QTime(12, 45));
+    const QImage after = paintItem(item->widget);
+    QVERIFY(after != before);
+
+    BkColumnFixture fresh(false, 105.0);
+    BkCalendarItem* same = fresh.addItem(QTime(11, 15), QTime(12, 45), 1);
+    same->setTitle("Title");
+    QCOMPARE(after, paintItem(same->widget));
+    // And back, to times written before.
+    item->setTime(QTime(9, 0), QTime(10, 30));
+    QCOMPARE(paintItem(item->widget), before);
 }
 
 void tst_BkCalendarPaint::shouldStartTextOnlyAtTopWithoutTime()
