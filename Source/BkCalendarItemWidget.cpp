@@ -653,7 +653,7 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
     };
     if (settingValue(QStringLiteral("set_calshowtime")) == 1 && type != BkCalendarItem::TextOnly) {
         // The times are put into words only where the line is drawn or measured: the narrow boxes of
-        // a large group do neither, and would spend more on the words than on the rest of their text.
+        // a large group do neither, and writing the times was a good part of their paint.
         if (textShows || iconsFollowText)
             drawLine(mTimeLine, r, Qt::AlignLeft,
                      tr("%1 - %2").arg(mStartText.of(mItem->start()), mEndText.of(mItem->end())));
