@@ -267,9 +267,13 @@ struct BkCalendarColumn::LayoutMemo
     QVector<LayoutBox> boxes;
     QVector<int> indexes;
     QVector<int> counts;
-    // The boxes of the last run, when it ended with every one of them holding its answer; empty
-    // otherwise. Only compared with, never followed: a box may be gone since.
-    QVector<BkCalendarItemWidget*> settledBoxes;
+    // The boxes of the last run, and whether it ended with every one of them holding its answer.
+    // Only compared with, never followed: a box may be gone since.
+    QVector<BkCalendarItemWidget*> widgets;
+    bool settled = false;
+    // The room of the boxes before the last computation, filled anew by the next. Runs come at every
+    // arrival and move of a box, and a new vector for each cost the allocator more than the run.
+    QVector<LayoutBox> scratch;
 };
 
 BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
@@ -477,14 +481,14 @@ void BkCalendarColumn::setModel(BkCalendarModel* model)
 
 BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)
 {
-    mLayoutMemo->settledBoxes.clear();
+    mLayoutMemo->settled = false;
     auto* widget = new BkCalendarItemWidget(item, mScale, this);
     {
         // The box's first place ran the layout with the box in it. If that run left every box
         // holding its answer, the width given now moves only this box, sideways, and the run that
         // the move would start reads tops, heights and ids that nothing has touched since: it
         // would find every box settled and change nothing.
-        const bool settled = mLayoutMemo->settledBoxes.contains(widget);
+        const bool settled = mLayoutMemo->settled && mLayoutMemo->widgets.contains(widget);
         const QScopedValueRollback<bool> hold(mHoldLayout, mHoldLayout || settled);
         widget->widthChanged(mRect.width());
     }
@@ -673,7 +677,14 @@ void BkCalendarColumn::selectPreviousItem()
 // ones, which the run brings up to date for its boxes.
 struct BkCalendarColumn::LayoutRun
 {
-    QVector<BkCalendarItemWidget*> widgets;
+    explicit LayoutRun(LayoutMemo* kept)
+        : widgets(kept->widgets)
+        , memo(kept)
+    {
+    }
+
+    // The memo's own list: only one run of a column is under way at a time.
+    QVector<BkCalendarItemWidget*>& widgets;
     // The box whose setColInfo is under way; only its move can start a nested run.
     int current = -1;
     // The boxes before this one hold their answers. Only setColInfo changes a box's values, and only
@@ -682,18 +693,19 @@ struct BkCalendarColumn::LayoutRun
     int settled = 0;
 
     // The answers of the last computation, which hold as long as the boxes are the same.
-    LayoutMemo* memo = nullptr;
+    LayoutMemo* memo;
 
     void compute()
     {
-        QVector<LayoutBox> boxes(widgets.size());
+        QVector<LayoutBox>& boxes = memo->scratch;
+        boxes.resize(widgets.size());
         for (int i = 0; i < widgets.size(); ++i)
             boxes[i] = layoutBoxOf(widgets.at(i));
         settled = 0;
         if (boxes.size() != memo->boxes.size() ||
             !std::equal(boxes.cbegin(), boxes.cend(), memo->boxes.cbegin(), sameBox)) {
             computeLayout(boxes, memo->indexes, memo->counts);
-            memo->boxes = boxes;
+            memo->boxes.swap(boxes);
         }
     }
 
@@ -740,8 +752,9 @@ void BkCalendarColumn::checkCollisions()
         return;
     }
 
-    LayoutRun run;
-    run.memo = mLayoutMemo.get();
+    LayoutRun run(mLayoutMemo.get());
+    run.widgets.clear();
+    mLayoutMemo->settled = false;
     const QList<QGraphicsItem*> children = childItems();
     run.widgets.reserve(children.size());
     for (QGraphicsItem* child : children) {
@@ -752,16 +765,14 @@ void BkCalendarColumn::checkCollisions()
         if (widget && !widget->deleting())
             run.widgets.append(widget);
     }
-    if (run.widgets.isEmpty()) {
-        mLayoutMemo->settledBoxes.clear();
+    if (run.widgets.isEmpty())
         return;
-    }
     run.compute();
     mLayoutRun = &run;
     settleLayout(run);
     mLayoutRun = nullptr;
     // The answers are kept for the boxes as they stand now: each box set was checked at once.
-    mLayoutMemo->settledBoxes = run.allHoldAnswers() ? run.widgets : QVector<BkCalendarItemWidget*>();
+    mLayoutMemo->settled = run.allHoldAnswers();
 }
 
 void BkCalendarColumn::settleLayout(LayoutRun& run)
