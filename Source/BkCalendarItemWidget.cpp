@@ -522,8 +522,7 @@ void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, c
     painter->save();
     painter->translate(origin);
     painter->setClipRect(clip, Qt::ReplaceClip);
-    if (!mTextLayout || mLaidOutText != mItem->text() || mLaidOutFont != font ||
-        mLaidOutWidth != area.width()) {
+    if (!mTextLayout || mLaidOutText != mItem->text() || mLaidOutFont != font) {
         mTextLayout = std::make_unique<FwTextDocument>(nullptr);
         mTextLayout->setDefaultFont(font);
         mTextLayout->setDocumentMargin(0);
@@ -535,6 +534,11 @@ void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, c
             block.layout()->setCacheEnabled(true);
         mLaidOutText = mItem->text();
         mLaidOutFont = font;
+        mLaidOutWidth = area.width();
+    } else if (mLaidOutWidth != area.width()) {
+        // A box of a cluster that gains or loses a neighbour only changes its width: the document
+        // breaks its lines anew from the glyphs it has, instead of being parsed and shaped again.
+        mTextLayout->setTextWidth(area.width());
         mLaidOutWidth = area.width();
     }
     mTextLayout->drawContents(painter, QRectF());

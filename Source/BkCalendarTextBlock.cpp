@@ -60,21 +60,37 @@ bool BkCalendarTextBlock::prepare(QPainter* painter, const QRectF& rect, int fla
     const int dpiX = painter->device()->logicalDpiX();
     const int dpiY = painter->device()->logicalDpiY();
     // QFont's comparison leaves the resolution out, so it is compared on its own.
-    if (mLayout && mText == text && mFlags == flags && mLineWidth == lineWidth && mDirection == direction &&
-        mDpiX == dpiX && mDpiY == dpiY && mFont == font)
+    const bool sameGlyphs = mLayout && mText == text && mFlags == flags && mDirection == direction &&
+                            mDpiX == dpiX && mDpiY == dpiY && mFont == font;
+    if (sameGlyphs && mLineWidth == lineWidth)
         return true;
 
-    QString laidOut;
-    if (!plainText(text, &laidOut))
-        return false;
-    mLayout = std::make_unique<QTextLayout>(laidOut, font);
-    QTextOption option;
-    option.setTextDirection(direction);
-    option.setAlignment(Qt::AlignLeft);
-    mLayout->setTextOption(option);
-    mLayout->setCacheEnabled(true);
+    if (!sameGlyphs) {
+        QString laidOut;
+        if (!plainText(text, &laidOut))
+            return false;
+        mLayout = std::make_unique<QTextLayout>(laidOut, font);
+        QTextOption option;
+        option.setTextDirection(direction);
+        option.setAlignment(Qt::AlignLeft);
+        mLayout->setTextOption(option);
+        mLayout->setCacheEnabled(true);
+        mText = text;
+        mFont = font;
+        mFlags = flags;
+        mDirection = direction;
+        mDpiX = dpiX;
+        mDpiY = dpiY;
+    }
+    // A new width only breaks the lines anew: the layout keeps the shaped glyphs, which do not depend
+    // on it, as a box of a cluster that gains or loses a neighbour does at every paint after.
+    breakLines(lineWidth);
+    return true;
+}
 
-    const QFontMetricsF metrics(font);
+void BkCalendarTextBlock::breakLines(double lineWidth)
+{
+    const QFontMetricsF metrics(mFont);
     const double leading = metrics.leading();
     mMargin = metrics.height();
     double height = -leading;
@@ -90,14 +106,7 @@ bool BkCalendarTextBlock::prepare(QPainter* painter, const QRectF& rect, int fla
     mLayout->endLayout();
     mHeight = height;
     mInk = QRectF();
-    mText = text;
-    mFont = font;
-    mFlags = flags;
     mLineWidth = lineWidth;
-    mDirection = direction;
-    mDpiX = dpiX;
-    mDpiY = dpiY;
-    return true;
 }
 
 void BkCalendarTextBlock::draw(QPainter* painter, const QRectF& rect, int flags, const QString& text,

@@ -35,6 +35,7 @@ public:
 
 private:
     bool prepare(QPainter* painter, const QRectF& rect, int flags, const QString& text);
+    void breakLines(double lineWidth);
     QRectF ink();
 
     std::unique_ptr<QTextLayout> mLayout;

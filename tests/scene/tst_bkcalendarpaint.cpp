@@ -105,6 +105,7 @@ private slots:
     void shouldPaintStripsAndTheirLines();
     void shouldPutTimeLineAboveTitleWhenSettingIsOne();
     void shouldWriteTheTimesAnewWhenTheBookingMoves();
+    void shouldBreakTheTextAnewWhenTheBoxChangesWidth();
     void shouldStartTextOnlyAtTopWithoutTime();
     void shouldShowMeetingInPlaceOfTitle();
     void shouldDrawUsersIconOnlyAboveFortyPixels();
@@ -231,6 +232,31 @@ void tst_BkCalendarPaint::shouldWriteTheTimesAnewWhenTheBookingMoves()
     // And back, to times written before.
     item->setTime(QTime(9, 0), QTime(10, 30));
     QCOMPARE(paintItem(item->widget), before);
+}
+
+// A box whose width changes shows its title and rich text as a box made at that width shows them,
+// through widths that wrap the words differently, and back.
+void tst_BkCalendarPaint::shouldBreakTheTextAnewWhenTheBoxChangesWidth()
+{
+    setSetting("set_calshowtime", 1);
+    const QString text = QStringLiteral(
+        "Agenda: <b>figures</b> of March, the <i>budget</i> for April and a word on <u>rooms</u>");
+    auto makeBox = [&text](BkColumnFixture& fixture) {
+        BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(11, 30), 1);
+        item->setTitle(QStringLiteral("Quarterly review with the whole team"));
+        item->setText(text);
+        return item;
+    };
+    BkColumnFixture fixture(false, 205.0);
+    BkCalendarItem* item = makeBox(fixture);
+    const QImage wide = paintItem(item->widget);
+    for (double width : {120.5, 77.25, 161.0, 43.75, 205.0}) {
+        fixture.column->setWidthScale(width, WidthFixed, -1.0);
+        BkColumnFixture fresh(false, width);
+        const QImage expected = paintItem(makeBox(fresh)->widget);
+        QCOMPARE(paintItem(item->widget), expected);
+    }
+    QCOMPARE(paintItem(item->widget), wide);
 }
 
 void tst_BkCalendarPaint::shouldStartTextOnlyAtTopWithoutTime()

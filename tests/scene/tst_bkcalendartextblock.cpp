@@ -78,6 +78,8 @@ private slots:
     void shouldDrawWhatDrawTextDraws();
     void shouldKeepItsLinesWhenOnlyThePlaceChanges();
     void shouldLayOutAgainForANewTextWidthOrFont();
+    void shouldBreakItsLinesAnewAtEveryNewWidth_data();
+    void shouldBreakItsLinesAnewAtEveryNewWidth();
     void shouldLayOutAgainOnADeviceOfAnotherResolution();
     void shouldMeasureWhatBoundingRectMeasures();
     void shouldLeaveOtherFlagsToDrawText();
@@ -151,6 +153,37 @@ void tst_BkCalendarTextBlock::shouldLayOutAgainForANewTextWidthOrFont()
         const Drawn drawn = byBlock(block, fontOf(step.font), rect, flags, step.text);
         QCOMPARE(drawn.bounds, expected.bounds);
         QVERIFY(drawn.image == expected.image);
+    }
+}
+
+void tst_BkCalendarTextBlock::shouldBreakItsLinesAnewAtEveryNewWidth_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("font");
+    for (int t = 0; t < Texts.size(); ++t) {
+        for (int font : {0, 1, 3})
+            QTest::addRow("text %d, font %d", t, font) << Texts.at(t) << font;
+    }
+}
+
+// One block through a run of widths, as a box of a cluster goes through them while its neighbours
+// come and go: at each it draws what drawText draws at that width, also back at a width it had.
+void tst_BkCalendarTextBlock::shouldBreakItsLinesAnewAtEveryNewWidth()
+{
+    QFETCH(QString, text);
+    QFETCH(int, font);
+    BkCalendarTextBlock block;
+    const int flags = Qt::AlignLeft | Qt::TextWordWrap;
+    QRandomGenerator random(quint32(font * 31 + text.size()));
+    QList<double> widths = {200.0, 0.0, 95.5, 31.25, 200.0};
+    for (int i = 0; i < 8; ++i)
+        widths.append(random.bounded(4, 240) / 4.0);
+    for (double width : widths) {
+        const QRectF rect(5.0, 5.0, width, 110.0);
+        const Drawn expected = byPainter(fontOf(font), rect, flags, text);
+        const Drawn drawn = byBlock(block, fontOf(font), rect, flags, text);
+        QCOMPARE(drawn.bounds, expected.bounds);
+        QVERIFY2(drawn.image == expected.image, qPrintable(QStringLiteral("width %1").arg(width)));
     }
 }
 
