@@ -24,9 +24,11 @@ namespace {
 // The default connection when it is open; settings go to memory otherwise.
 QSqlDatabase openDatabase()
 {
-    if (!QSqlDatabase::contains(QLatin1String(QSqlDatabase::defaultConnection)))
+    // Made once: the calendar reads a setting at every construction and paint of a box.
+    static const QString name = QLatin1String(QSqlDatabase::defaultConnection);
+    if (!QSqlDatabase::contains(name))
         return QSqlDatabase();
-    QSqlDatabase db = QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false);
+    QSqlDatabase db = QSqlDatabase::database(name, false);
     return db.isOpen() ? db : QSqlDatabase();
 }
 
