@@ -90,7 +90,7 @@ bool BkCalendarTextBlock::prepare(QPainter* painter, const QRectF& rect, int fla
 
 void BkCalendarTextBlock::breakLines(double lineWidth)
 {
-    const QFontMetricsF metrics(mFont);
+    const QFontMetricsF metrics(*mFont);
     const double leading = metrics.leading();
     mMargin = metrics.height();
     double height = -leading;

@@ -190,7 +190,8 @@ private:
     // differ, since laying out rich text is most of a box's paint.
     std::unique_ptr<FwTextDocument> mTextLayout;
     QString mLaidOutText;
-    QFont mLaidOutFont;
+    // None until the text is first laid out: see BkCalendarTextBlock.
+    std::optional<QFont> mLaidOutFont;
     double mLaidOutWidth = -1.0;
 };
 

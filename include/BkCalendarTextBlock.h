@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class QPainter;
 class QTextLayout;
@@ -40,7 +41,9 @@ private:
 
     std::unique_ptr<QTextLayout> mLayout;
     QString mText;
-    QFont mFont;
+    // None until the first layout: a default font is the application's, which costs a lock to read,
+    // and a box makes two blocks.
+    std::optional<QFont> mFont;
     int mFlags = 0;
     double mLineWidth = 0.0;
     Qt::LayoutDirection mDirection = Qt::LayoutDirectionAuto;
