@@ -186,8 +186,8 @@ private:
     // The time line and the title as laid out for the last paint.
     BkCalendarTextBlock mTimeLine;
     BkCalendarTextBlock mTitleLines;
-    // The booking's text laid out for the last paint; laid out again only when text, font or width
-    // differ, since laying out rich text is most of a box's paint.
+    // The booking's text laid out for the last paint, since laying out rich text is most of a box's
+    // paint: made again only when text or font differ, and only broken into lines again for a width.
     std::unique_ptr<FwTextDocument> mTextLayout;
     QString mLaidOutText;
     // None until the text is first laid out: see BkCalendarTextBlock.

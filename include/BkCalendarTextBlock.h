@@ -15,9 +15,9 @@ class QTextLayout;
 
 // A line or paragraph of plain text that a booking box paints at every repaint, laid out once. It draws
 // exactly what QPainter::drawText(rect, flags, text, &bounds) draws, but keeps the shaped and broken
-// lines for the next paint, since shaping and line breaking are most of what drawText costs. They
-// depend only on the text, the painter's font, its resolution, the flags and, when the text wraps, the
-// width; the place may change from paint to paint.
+// lines for the next paint, since shaping and line breaking are most of what drawText costs. The glyphs
+// depend only on the text, the painter's font, its resolution and the flags, and the lines also on the
+// width when the text wraps; the place may change from paint to paint.
 class FWCALENDAR_EXPORT BkCalendarTextBlock
 {
 public:
