@@ -29,7 +29,7 @@ echo "|---|---|---|---|---|"
     sed -E 's/RESULT : bench_Collisions::([A-Za-z]+)\(\):"([0-9]+)":[[:space:]]+([0-9.,]+) (msecs|nsecs).*/\1 \2 \3 \4/' |
     awk 'BEGIN { floorOf["arriveOneByOne"] = "qtFloorArrival"; floorOf["addBookingsOneByOne"] = "qtFloorOneByOne" }
          { v = $3; gsub(",", "", v); if ($4 == "nsecs") v /= 1e6;
-           ms[$1, $2] = v; if (!(($1, $2) in seen)) { seen[$1, $2] = 1; order[++n] = $1 SUBSEP $2 } }
+           if (!(($1, $2) in ms)) order[++n] = $1 SUBSEP $2; ms[$1, $2] = v }
          END {
            for (i = 1; i <= n; ++i) {
              split(order[i], key, SUBSEP);
