@@ -58,13 +58,13 @@ struct Card
     QModelIndex index() { return list.model()->index(0, 0); }
     // Refreshes the row's copies after the booking's fields were changed by hand.
     void refresh() { list.setDate(Wednesday); }
-    QImage paint(bool selected, const QString& name)
+    QImage paint(bool selected, const QString& name, const QRect& row = Row)
     {
         QImage image = canvas(220, 110, Paper);
         QPainter painter(&image);
         plain(painter);
         QStyleOptionViewItem option;
-        option.rect = Row;
+        option.rect = row;
         option.state = selected ? QStyle::State_Selected | QStyle::State_Enabled : QStyle::State_Enabled;
         delegate.paint(&painter, option, index());
         painter.end();
@@ -107,6 +107,7 @@ private slots:
     void shouldDrawShadowAndBoxAtTheirPlaces();
     void shouldFillRowsBelowTheFirstWithTheLastColour();
     void shouldUseTheSchemeColoursWhenSelected();
+    void shouldRunTheGradientFromTheTopOfTheFirstRow();
     void shouldWriteTimeAndTitleInTheirBands();
     void shouldStartTheTextByTheRightStripOnly_data();
     void shouldStartTheTextByTheRightStripOnly();
@@ -199,6 +200,35 @@ void tst_BkCalendarListDelegate::shouldUseTheSchemeColoursWhenSelected()
     // Strip and text stay.
     QVERIFY(same(at(image, 2, 71), LeftStrip));
     QVERIFY(inkCount(image, QColor(Qt::black), QRect(0, 50, 196, 42)) > 0);
+}
+
+// The first row of the list lies under the gradient's start: its top shows the first colour, its
+// lower part turns to the last.
+void tst_BkCalendarListDelegate::shouldRunTheGradientFromTheTopOfTheFirstRow()
+{
+    Card card;
+    const QRect first(0, 0, 200, 48);
+    const BkCalendarColorScheme* scheme = card.list.colorSchemePtr();
+    const struct
+    {
+        bool selected;
+        QColor top, bottom;
+    } looks[] = {{false, Top, Bottom}, {true, scheme->selectedHeader, scheme->selectedHeaderGradient}};
+    for (const auto& look : looks) {
+        QVERIFY(look.top != look.bottom);
+        const QImage image =
+            card.paint(look.selected, QStringLiteral("card-first-row-%1.png").arg(look.selected), first);
+        // The gradient spans the painter's first 50 pixels; a pixel shows it at its centre.
+        const auto expected = [&](int y) {
+            const double share = (y + 0.5) / 50.0;
+            return QColor(qRound(look.top.red() + (look.bottom.red() - look.top.red()) * share),
+                          qRound(look.top.green() + (look.bottom.green() - look.top.green()) * share),
+                          qRound(look.top.blue() + (look.bottom.blue() - look.top.blue()) * share));
+        };
+        for (int y : {3, 20, 40})
+            QVERIFY2(near(at(image, 185, y), expected(y)), qPrintable(at(image, 185, y).name()));
+        QVERIFY(!near(at(image, 185, 3), look.bottom));
+    }
 }
 
 void tst_BkCalendarListDelegate::shouldWriteTimeAndTitleInTheirBands()
