@@ -1111,6 +1111,19 @@ void BkCalendarColumn::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
     QGraphicsItem::mouseReleaseEvent(event);
 }
 
+void BkCalendarColumn::mousePressEvent(QGraphicsSceneMouseEvent* event)
+{
+    QGraphicsItem::mousePressEvent(event);
+    if (event->button() != Qt::RightButton || event->isAccepted())
+        return;
+    // Qt lets a right press pass by an item that cannot move, and the release then reaches no item at
+    // all. The column takes the press, so that a right-click reaches the release above; the selection
+    // is cleared as Qt's scene clears it for a press that no item takes, so nothing else changes.
+    if (scene() && !(event->modifiers() & Qt::ControlModifier))
+        scene()->clearSelection();
+    event->accept();
+}
+
 void BkCalendarColumn::dragEnterEvent(QGraphicsSceneDragDropEvent* event)
 {
     const QMimeData* data = event->mimeData();

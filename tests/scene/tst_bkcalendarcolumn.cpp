@@ -80,6 +80,7 @@ private slots:
     void shouldActivatePlanOnDoubleClickOfBookableBlock();
     void shouldOfferPlanMenuOnContextMenuOfBookableBlock();
     void shouldOfferPlanMenuOnRightReleaseOfAnyBlock();
+    void shouldOfferPlanMenuOnAPlainRightClick();
     void shouldFindPlanAtTime();
     void shouldForwardHeaderActivation();
     void shouldSetHeaderText();
@@ -862,6 +863,51 @@ void tst_BkCalendarColumn::shouldOfferPlanMenuOnRightReleaseOfAnyBlock()
     release.setPos(QPointF(10, sceneY(QTime(17, 0)) - 25.0));
     fixture.scene.sendEvent(fixture.column, &release);
     QCOMPARE(menu.count(), 2);
+}
+
+// A plain right-click, no other button held: the release reaches the column over any block, and
+// the press on the background still deselects the booking as any press that no box takes.
+void tst_BkCalendarColumn::shouldOfferPlanMenuOnAPlainRightClick()
+{
+    BkColumnFixture fixture;
+    BkCalendarPlan* open = fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
+    BkCalendarPlan* closed = fixture.addPlan(QTime(13, 0), QTime(16, 0), false);
+    BkCalendarItem* booking = fixture.addItem(QTime(8, 0), QTime(8, 30));
+    QGraphicsView view(&fixture.scene);
+    view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    view.resize(400, 1400);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QSignalSpy menu(fixture.column, &BkCalendarColumn::planContextMenu);
+    booking->widget->setSelected(true);
+
+    const QPointF onClosed(150, sceneY(QTime(14, 0)));
+    sendMouse(view, QEvent::MouseButtonPress, onClosed, Qt::RightButton, Qt::RightButton);
+    QVERIFY(!booking->widget->isSelected());
+    QVERIFY(!fixture.column->isSelected());
+    sendMouse(view, QEvent::MouseButtonRelease, onClosed, Qt::RightButton, Qt::NoButton);
+    QCOMPARE(menu.count(), 1);
+    QCOMPARE(menu.last().at(0).toPoint(), view.viewport()->mapToGlobal(view.mapFromScene(onClosed)));
+    QCOMPARE(menu.last().at(1).value<BkCalendarPlan*>(), closed);
+    QCOMPARE(menu.last().at(2).toTime(), QTime(14, 0));
+
+    const QPointF onOpen(150, sceneY(QTime(10, 0)));
+    sendMouse(view, QEvent::MouseButtonPress, onOpen, Qt::RightButton, Qt::RightButton);
+    sendMouse(view, QEvent::MouseButtonRelease, onOpen, Qt::RightButton, Qt::NoButton);
+    QCOMPARE(menu.count(), 2);
+    QCOMPARE(menu.last().at(1).value<BkCalendarPlan*>(), open);
+
+    // Outside every block the click offers nothing; with Ctrl held the selection stays.
+    booking->widget->setSelected(true);
+    const QPointF outside(150, sceneY(QTime(17, 0)));
+    const QPoint pos = view.mapFromScene(outside);
+    QMouseEvent press(QEvent::MouseButtonPress, pos, view.viewport()->mapToGlobal(pos), Qt::RightButton,
+                      Qt::RightButton, Qt::ControlModifier);
+    QApplication::sendEvent(view.viewport(), &press);
+    QVERIFY(booking->widget->isSelected());
+    sendMouse(view, QEvent::MouseButtonRelease, outside, Qt::RightButton, Qt::NoButton);
+    QCOMPARE(menu.count(), 2);
+    QVERIFY(!fixture.scene.mouseGrabberItem());
 }
 
 void tst_BkCalendarColumn::shouldFindPlanAtTime()

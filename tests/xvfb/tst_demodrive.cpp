@@ -19,11 +19,14 @@
 #include <DemoWindow.h>
 
 #include <QDir>
+#include <QGraphicsScene>
 #include <QProcess>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
+#include <QTimer>
 
 namespace {
 const QDate Wednesday(2026, 11, 25);
@@ -54,6 +57,7 @@ class tst_DemoDrive : public QObject
 
 private slots:
     void shouldDragABookingWithTheRealPointer();
+    void shouldOfferThePlanMenuWithTheRealPointer();
 };
 
 void tst_DemoDrive::shouldDragABookingWithTheRealPointer()
@@ -122,6 +126,115 @@ void tst_DemoDrive::shouldDragABookingWithTheRealPointer()
     const QString shot =
         QDir(QStringLiteral(QT_TESTCASE_BUILDDIR)).filePath(QStringLiteral("demo-drive.png"));
     QVERIFY(QGuiApplication::primaryScreen()->grabWindow(0).save(shot));
+    db.close();
+}
+
+namespace {
+// A free spot of the day column, in a block that is open or closed as `open` says, between `from`
+// and `to`, on the screen. The spot is scrolled into view first; null when none is free.
+QPoint freeSpotOfBlock(BkCalendarView* view, BkCalendarColumn* column, QTime from, QTime to, bool open)
+{
+    for (QTime time = from; time < to; time = time.addSecs(5 * 60)) {
+        BkCalendarPlan* plan = column->planAt(time, QTime());
+        const QPointF scenePos =
+            column->mapToScene(view->timeScale()->pointAt(0.0, time)) + QPointF(40.0, 3.0);
+        bool free = plan && plan->bookable == open;
+        for (QGraphicsItem* under : view->scene()->items(scenePos))
+            free = free && !qgraphicsitem_cast<BkCalendarItemWidget*>(under);
+        if (free) {
+            view->ensureVisible(QRectF(scenePos, QSizeF(1.0, 1.0)));
+            QCoreApplication::processEvents();
+            return view->viewport()->mapToGlobal(view->mapFromScene(scenePos));
+        }
+    }
+    return QPoint();
+}
+
+bool runXdotool(const QPoint& at, const QString& button)
+{
+    QProcess xdotool;
+    xdotool.start(QStringLiteral("xdotool"),
+                  {QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y()),
+                   QStringLiteral("sleep"), QStringLiteral("0.3"), QStringLiteral("click"), button,
+                   QStringLiteral("sleep"), QStringLiteral("0.3")});
+    if (!xdotool.waitForStarted())
+        return false;
+    QElapsedTimer waited;
+    waited.start();
+    while (xdotool.state() != QProcess::NotRunning && waited.elapsed() < 20000)
+        QTest::qWait(20);
+    return xdotool.state() == QProcess::NotRunning && xdotool.exitCode() == 0;
+}
+} // namespace
+
+// Right-clicks with the real pointer: on a free spot of an open block the demo's menu opens once and,
+// closed again, leaves the next left-click to the booking under the pointer; on the closed lunch hour
+// the host hears of the block through the release and opens nothing.
+void tst_DemoDrive::shouldOfferThePlanMenuWithTheRealPointer()
+{
+    BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
+    for (const char* key : {"demo/geometry", "demo/state", "demo/view"})
+        FwApplication::app()->setLocalValue(QLatin1String(key), QVariant());
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    DemoDatabase db;
+    DemoConnection connection;
+    connection.file = dir.filePath(QStringLiteral("practice.sqlite"));
+    QVERIFY2(db.open(connection, Wednesday), qPrintable(db.lastError()));
+
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    window.move(0, 0);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    window.activateWindow();
+    QTest::qWait(300);
+
+    BkCalendarView* view = window.calendar()->view();
+    BkCalendarColumn* column = view->getColumnList().first();
+    QSignalSpy offered(window.calendar(), &BkCalendar::planContextMenu);
+    int menus = 0;
+    QTimer closer;
+    QObject::connect(&closer, &QTimer::timeout, [&menus] {
+        if (QWidget* popup = QApplication::activePopupWidget()) {
+            ++menus;
+            popup->close();
+        }
+    });
+    closer.start(100);
+
+    const QPoint open = freeSpotOfBlock(view, column, QTime(8, 0), QTime(12, 0), true);
+    QVERIFY(!open.isNull());
+    QVERIFY(runXdotool(open, QStringLiteral("3")));
+    QTRY_COMPARE_WITH_TIMEOUT(menus, 1, 5000);
+    QTest::qWait(300);
+    QCOMPARE(menus, 1);
+    QCOMPARE(offered.count(), 1);
+    QVERIFY(offered.first().at(1).value<BkCalendarPlan*>()->bookable);
+
+    BkCalendarItem* booking = nullptr;
+    for (BkCalendarItem* candidate : column->getItems(true))
+        if (!booking && candidate->widget && candidate->start() >= QTime(8, 0) &&
+            candidate->end() <= QTime(12, 0))
+            booking = candidate;
+    QVERIFY(booking);
+    const QPointF bookingScene = booking->widget->sceneBoundingRect().topLeft() + QPointF(20.0, 6.0);
+    view->ensureVisible(QRectF(bookingScene, QSizeF(1.0, 1.0)));
+    QCoreApplication::processEvents();
+    QVERIFY(runXdotool(view->viewport()->mapToGlobal(view->mapFromScene(bookingScene)), QStringLiteral("1")));
+    QTRY_VERIFY_WITH_TIMEOUT(booking->widget && booking->widget->isSelected(), 5000);
+
+    const QPoint lunch = freeSpotOfBlock(view, column, QTime(12, 0), QTime(13, 0), false);
+    QVERIFY(!lunch.isNull());
+    QVERIFY(runXdotool(lunch, QStringLiteral("3")));
+    QTRY_COMPARE_WITH_TIMEOUT(offered.count(), 2, 5000);
+    QVERIFY(!offered.last().at(1).value<BkCalendarPlan*>()->bookable);
+    const QTime at = offered.last().at(2).toTime();
+    QVERIFY2(at >= QTime(12, 0) && at < QTime(13, 0), qPrintable(at.toString()));
+    QTest::qWait(300);
+    QCOMPARE(menus, 1);
+    QCOMPARE(offered.count(), 2);
     db.close();
 }
 
