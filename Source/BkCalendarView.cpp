@@ -436,7 +436,9 @@ double BkCalendarView::minuteHeight() const
 
 void BkCalendarView::setTimeSteps(int minutes)
 {
-    if (mScale)
+    // The scale lays out and paints by dividing through its step and has no guard of its own; a
+    // host's step of zero or less is refused here, and the step in use stays.
+    if (mScale && minutes > 0)
         mScale->setTimeSteps(minutes);
 }
 

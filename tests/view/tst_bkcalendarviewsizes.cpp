@@ -352,6 +352,14 @@ void tst_BkCalendarViewSizes::shouldRelayOutOnScaleChanges()
     shown.view.setTimeSteps(30);
     QCOMPARE(shown.view.timeScale()->timeSteps(), 30);
     QCOMPARE(shown.view.timeScale()->loops(), 20);
+
+    // A step of zero or less is refused: the scale keeps its step, and lays out and paints with it.
+    for (int refused : {0, -15}) {
+        shown.view.setTimeSteps(refused);
+        QCOMPARE(shown.view.timeScale()->timeSteps(), 30);
+        QCOMPARE(shown.view.timeScale()->loops(), 20);
+        QVERIFY(!shown.view.grab().isNull());
+    }
 }
 
 void tst_BkCalendarViewSizes::shouldStoreTheWeekStartOnly()
