@@ -652,7 +652,9 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
     auto drawLine = [&](BkCalendarTextBlock& block, const QRectF& area, int flags, const QString& line) {
         if (textShows)
             block.draw(painter, area, flags, line, &bounds);
-        else if (iconsFollowText)
+        else if (iconsFollowText && !line.isEmpty())
+            // drawText reports no bounds for an empty line, so the measure that stands in for it
+            // leaves them as they are too.
             bounds = block.measure(painter, area, flags, line);
     };
     if (settingValue(QStringLiteral("set_calshowtime")) == 1 && type != BkCalendarItem::TextOnly) {

@@ -414,8 +414,13 @@ void tst_BkCalendarPaint::shouldLeaveNoTextInBoxNarrowerThanItsMargins()
 void tst_BkCalendarPaint::shouldKeepIconsAtTheirHeightInNarrowBox_data()
 {
     QTest::addColumn<int>("showTime");
-    QTest::newRow("title") << 0;
-    QTest::newRow("time and title") << 1;
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("title") << 0 << int(BkCalendarItem::Meeting) << QString();
+    QTest::newRow("time and title") << 1 << int(BkCalendarItem::Meeting) << QString();
+    // An empty title draws no line, and leaves the foot of the lines where it was.
+    QTest::newRow("empty title") << 0 << 0 << QString();
+    QTest::newRow("time and empty title") << 1 << 0 << QString();
 }
 
 // The icons stand below the lines of a box whatever its width, so a box without room for its lines
@@ -425,10 +430,13 @@ void tst_BkCalendarPaint::shouldKeepIconsAtTheirHeightInNarrowBox()
     if (QPixmap(":/calendar/phone.png").isNull())
         QSKIP("the phone picture is not in the resources");
     QFETCH(int, showTime);
+    QFETCH(int, type);
+    QFETCH(QString, title);
     setSetting("set_calshowtime", showTime);
-    auto iconTop = [](double columnWidth) {
+    auto iconTop = [&](double columnWidth) {
         BkColumnFixture fixture(false, columnWidth);
-        BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(11, 0), 1, BkCalendarItem::Meeting);
+        BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(11, 0), 1, type);
+        item->setTitle(title);
         // The icons stand left of the text area's right edge, which a narrow box has at its left.
         const QImage bare = paintItemShifted(item->widget, 100);
         item->setItemFlags(BkCalendarItem::FlagPhone);
