@@ -94,6 +94,7 @@ public:
     bool isOverview() const { return mOverview; }
     QList<BkCalendarResource> resources() const { return mResources; }
     BkCalendarView* view() const;
+    BkCalendarList* list() const { return mList; }
     BkCalendarList* jobList() const { return mList; }
     QCalendarWidget* datePicker() const { return mDatePicker; }
     FwTreeWidget* moveList() const { return mMoveList; }
@@ -106,6 +107,8 @@ public:
     QAction* action7Day() const { return mAction7Day; }
     QAction* actionMonth() const { return mActionMonth; }
     QAction* actionGroup() const { return mActionGroup; }
+    int savedMinWidth() const { return mSavedMinWidth; }
+    double savedMinuteHeight() const { return mSavedMinuteHeight; }
 
 signals:
     void itemActivated(BkCalendarItem* item);

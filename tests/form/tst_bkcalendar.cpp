@@ -295,6 +295,7 @@ void tst_BkCalendar::shouldBuildThreeDocksWithTheirFinalNames()
     QCOMPARE(form.datePicker()->sizePolicy().horizontalPolicy(), QSizePolicy::Fixed);
     QCOMPARE(form.datePicker()->sizePolicy().verticalPolicy(), QSizePolicy::Fixed);
     QCOMPARE(form.listDock()->widget(), static_cast<QWidget*>(form.jobList()));
+    QCOMPARE(form.list(), form.jobList());
     QCOMPARE(form.jobList()->calendarModel(), form.model());
     QCOMPARE(form.jobList()->date(), Wednesday);
 
@@ -834,6 +835,8 @@ void tst_BkCalendar::shouldToggleTheOverviewAndComeBack()
     form.show5Day();
     form.overview();
     QVERIFY(form.isOverview());
+    QCOMPARE(form.savedMinWidth(), 300);
+    QCOMPARE(form.savedMinuteHeight(), 2.0);
     QCOMPARE(form.view()->minuteHeight(), 1.0);
     QCOMPARE(form.minWidth(), 10);
     // Outside the group view the new minimum waits for the next group.
