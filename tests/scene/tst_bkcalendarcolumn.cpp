@@ -25,6 +25,15 @@ void sendMouse(QGraphicsView& view, QEvent::Type type, const QPointF& scenePos, 
     QApplication::sendEvent(view.viewport(), &event);
 }
 
+// Shows the fixture's whole column at the view's top left, as the mouse tests click it.
+bool showWhole(QGraphicsView& view)
+{
+    view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    view.resize(400, 1400);
+    view.show();
+    return QTest::qWaitForWindowExposed(&view);
+}
+
 // Scene y of a time in the fixture's column: the column stands at scene y 25.
 double sceneY(const QTime& time)
 {
@@ -777,10 +786,7 @@ void tst_BkCalendarColumn::shouldActivatePlanOnDoubleClickOfBookableBlock()
     BkCalendarPlan* open = fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
     fixture.addPlan(QTime(13, 0), QTime(16, 0), false);
     QGraphicsView view(&fixture.scene);
-    view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    view.resize(400, 1400);
-    view.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QVERIFY(showWhole(view));
     QSignalSpy activated(fixture.column, &BkCalendarColumn::planActivated);
 
     const QPointF inOpen(150, sceneY(QTime(10, 0)));
@@ -804,10 +810,7 @@ void tst_BkCalendarColumn::shouldOfferPlanMenuOnContextMenuOfBookableBlock()
     BkCalendarPlan* open = fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
     fixture.addPlan(QTime(13, 0), QTime(16, 0), false);
     QGraphicsView view(&fixture.scene);
-    view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    view.resize(400, 1400);
-    view.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QVERIFY(showWhole(view));
     QSignalSpy menu(fixture.column, &BkCalendarColumn::planContextMenu);
 
     const QPoint pos = view.mapFromScene(QPointF(150, sceneY(QTime(9, 30))));
@@ -832,10 +835,7 @@ void tst_BkCalendarColumn::shouldOfferPlanMenuOnRightReleaseOfAnyBlock()
     fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
     BkCalendarPlan* closed = fixture.addPlan(QTime(13, 0), QTime(16, 0), false);
     QGraphicsView view(&fixture.scene);
-    view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    view.resize(400, 1400);
-    view.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QVERIFY(showWhole(view));
     QSignalSpy menu(fixture.column, &BkCalendarColumn::planContextMenu);
 
     // The column holds the mouse while the left button is down; a right click then reaches it.
@@ -874,10 +874,7 @@ void tst_BkCalendarColumn::shouldOfferPlanMenuOnAPlainRightClick()
     BkCalendarPlan* closed = fixture.addPlan(QTime(13, 0), QTime(16, 0), false);
     BkCalendarItem* booking = fixture.addItem(QTime(8, 0), QTime(8, 30));
     QGraphicsView view(&fixture.scene);
-    view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    view.resize(400, 1400);
-    view.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QVERIFY(showWhole(view));
     QSignalSpy menu(fixture.column, &BkCalendarColumn::planContextMenu);
     booking->widget->setSelected(true);
 

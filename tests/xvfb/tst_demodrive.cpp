@@ -28,6 +28,8 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <optional>
+
 namespace {
 const QDate Wednesday(2026, 11, 25);
 
@@ -49,6 +51,79 @@ QString storedStart(const QString& file, int id)
     QSqlDatabase::removeDatabase(QStringLiteral("reader"));
     return start;
 }
+
+// The demo on a fresh practice database, its day view of Wednesday on the screen at the top left.
+struct DemoDay
+{
+    bool open()
+    {
+        BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
+        for (const char* key : {"demo/geometry", "demo/state", "demo/view"})
+            FwApplication::app()->setLocalValue(QLatin1String(key), QVariant());
+        if (!dir.isValid())
+            return false;
+        file = dir.filePath(QStringLiteral("practice.sqlite"));
+        DemoConnection connection;
+        connection.file = file;
+        if (!db.open(connection, Wednesday)) {
+            qWarning() << db.lastError();
+            return false;
+        }
+        window.emplace(1);
+        window->showView(DemoWindow::Day);
+        window->calendar()->setDate(Wednesday);
+        window->move(0, 0);
+        window->show();
+        if (!QTest::qWaitForWindowExposed(&*window))
+            return false;
+        window->activateWindow();
+        QTest::qWait(300);
+        return true;
+    }
+    ~DemoDay() { db.close(); }
+    BkCalendarView* view() { return window->calendar()->view(); }
+
+    QTemporaryDir dir;
+    QString file;
+    DemoDatabase db;
+    std::optional<DemoWindow> window;
+};
+
+// A free spot of the day column, in a block that is open or closed as `open` says, between `from`
+// and `to`, on the screen. The spot is scrolled into view first; null when none is free.
+QPoint freeSpotOfBlock(BkCalendarView* view, BkCalendarColumn* column, QTime from, QTime to, bool open)
+{
+    for (QTime time = from; time < to; time = time.addSecs(5 * 60)) {
+        BkCalendarPlan* plan = column->planAt(time, QTime());
+        const QPointF scenePos =
+            column->mapToScene(view->timeScale()->pointAt(0.0, time)) + QPointF(40.0, 3.0);
+        bool free = plan && plan->bookable == open;
+        for (QGraphicsItem* under : view->scene()->items(scenePos))
+            free = free && !qgraphicsitem_cast<BkCalendarItemWidget*>(under);
+        if (free) {
+            view->ensureVisible(QRectF(scenePos, QSizeF(1.0, 1.0)));
+            QCoreApplication::processEvents();
+            return view->viewport()->mapToGlobal(view->mapFromScene(scenePos));
+        }
+    }
+    return QPoint();
+}
+
+bool runXdotool(const QPoint& at, const QString& button)
+{
+    QProcess xdotool;
+    xdotool.start(QStringLiteral("xdotool"),
+                  {QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y()),
+                   QStringLiteral("sleep"), QStringLiteral("0.3"), QStringLiteral("click"), button,
+                   QStringLiteral("sleep"), QStringLiteral("0.3")});
+    if (!xdotool.waitForStarted())
+        return false;
+    QElapsedTimer waited;
+    waited.start();
+    while (xdotool.state() != QProcess::NotRunning && waited.elapsed() < 20000)
+        QTest::qWait(20);
+    return xdotool.state() == QProcess::NotRunning && xdotool.exitCode() == 0;
+}
 } // namespace
 
 class tst_DemoDrive : public QObject
@@ -63,28 +138,12 @@ private slots:
 void tst_DemoDrive::shouldDragABookingWithTheRealPointer()
 {
     QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb"));
-    BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
-    for (const char* key : {"demo/geometry", "demo/state", "demo/view"})
-        FwApplication::app()->setLocalValue(QLatin1String(key), QVariant());
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    const QString file = dir.filePath(QStringLiteral("practice.sqlite"));
-    DemoDatabase db;
-    DemoConnection connection;
-    connection.file = file;
-    QVERIFY2(db.open(connection, Wednesday), qPrintable(db.lastError()));
-
-    DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
-    window.move(0, 0);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    window.activateWindow();
-    QTest::qWait(300);
+    DemoDay demo;
+    QVERIFY(demo.open());
+    const QString file = demo.file;
 
     // A plain booking of the morning that can go half an hour later inside the plan.
-    BkCalendarView* view = window.calendar()->view();
+    BkCalendarView* view = demo.view();
     BkCalendarColumn* column = view->getColumnList().first();
     BkCalendarItem* item = nullptr;
     for (BkCalendarItem* candidate : column->getItems(true))
@@ -126,74 +185,19 @@ void tst_DemoDrive::shouldDragABookingWithTheRealPointer()
     const QString shot =
         QDir(QStringLiteral(QT_TESTCASE_BUILDDIR)).filePath(QStringLiteral("demo-drive.png"));
     QVERIFY(QGuiApplication::primaryScreen()->grabWindow(0).save(shot));
-    db.close();
 }
-
-namespace {
-// A free spot of the day column, in a block that is open or closed as `open` says, between `from`
-// and `to`, on the screen. The spot is scrolled into view first; null when none is free.
-QPoint freeSpotOfBlock(BkCalendarView* view, BkCalendarColumn* column, QTime from, QTime to, bool open)
-{
-    for (QTime time = from; time < to; time = time.addSecs(5 * 60)) {
-        BkCalendarPlan* plan = column->planAt(time, QTime());
-        const QPointF scenePos =
-            column->mapToScene(view->timeScale()->pointAt(0.0, time)) + QPointF(40.0, 3.0);
-        bool free = plan && plan->bookable == open;
-        for (QGraphicsItem* under : view->scene()->items(scenePos))
-            free = free && !qgraphicsitem_cast<BkCalendarItemWidget*>(under);
-        if (free) {
-            view->ensureVisible(QRectF(scenePos, QSizeF(1.0, 1.0)));
-            QCoreApplication::processEvents();
-            return view->viewport()->mapToGlobal(view->mapFromScene(scenePos));
-        }
-    }
-    return QPoint();
-}
-
-bool runXdotool(const QPoint& at, const QString& button)
-{
-    QProcess xdotool;
-    xdotool.start(QStringLiteral("xdotool"),
-                  {QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y()),
-                   QStringLiteral("sleep"), QStringLiteral("0.3"), QStringLiteral("click"), button,
-                   QStringLiteral("sleep"), QStringLiteral("0.3")});
-    if (!xdotool.waitForStarted())
-        return false;
-    QElapsedTimer waited;
-    waited.start();
-    while (xdotool.state() != QProcess::NotRunning && waited.elapsed() < 20000)
-        QTest::qWait(20);
-    return xdotool.state() == QProcess::NotRunning && xdotool.exitCode() == 0;
-}
-} // namespace
 
 // Right-clicks with the real pointer: on a free spot of an open block the demo's menu opens once and,
 // closed again, leaves the next left-click to the booking under the pointer; on the closed lunch hour
 // the host hears of the block through the release and opens nothing.
 void tst_DemoDrive::shouldOfferThePlanMenuWithTheRealPointer()
 {
-    BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
-    for (const char* key : {"demo/geometry", "demo/state", "demo/view"})
-        FwApplication::app()->setLocalValue(QLatin1String(key), QVariant());
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    DemoDatabase db;
-    DemoConnection connection;
-    connection.file = dir.filePath(QStringLiteral("practice.sqlite"));
-    QVERIFY2(db.open(connection, Wednesday), qPrintable(db.lastError()));
+    DemoDay demo;
+    QVERIFY(demo.open());
 
-    DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
-    window.move(0, 0);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    window.activateWindow();
-    QTest::qWait(300);
-
-    BkCalendarView* view = window.calendar()->view();
+    BkCalendarView* view = demo.view();
     BkCalendarColumn* column = view->getColumnList().first();
-    QSignalSpy offered(window.calendar(), &BkCalendar::planContextMenu);
+    QSignalSpy offered(demo.window->calendar(), &BkCalendar::planContextMenu);
     int menus = 0;
     QTimer closer;
     QObject::connect(&closer, &QTimer::timeout, [&menus] {
@@ -235,7 +239,6 @@ void tst_DemoDrive::shouldOfferThePlanMenuWithTheRealPointer()
     QTest::qWait(300);
     QCOMPARE(menus, 1);
     QCOMPARE(offered.count(), 2);
-    db.close();
 }
 
 FW_TEST_MAIN(tst_DemoDrive)
