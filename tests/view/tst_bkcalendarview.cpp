@@ -1,6 +1,7 @@
 // The calendar view: days of one person or one day of a group, the week rule, the status colours,
 // the info messages, the keys, and the scene that takes a drag preview back.
 
+#include "BkShownView.h"
 #include "FwTestApplication.h"
 
 #include <BkCalendarClock.h>
@@ -17,6 +18,7 @@
 #include <FwApplication.h>
 #include <SQLQuery.h>
 
+#include <QFocusEvent>
 #include <QGraphicsSceneDragDropEvent>
 #include <QMimeData>
 #include <QPointer>
@@ -92,6 +94,35 @@ QList<BkCalendarItem*> boxedItems(const BkCalendarColumn* column)
         if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
             items << box->item();
     return items;
+}
+
+// Notes every focus that the items it watches receive, with its reason. Watching needs the watcher in the
+// same scene; it paints nothing and takes no room.
+class FocusWatch : public QGraphicsItem
+{
+public:
+    QRectF boundingRect() const override { return QRectF(); }
+    void paint(QPainter*, const QStyleOptionGraphicsItem*, QWidget*) override {}
+    QList<QPair<QGraphicsItem*, Qt::FocusReason>> focused;
+
+protected:
+    bool sceneEventFilter(QGraphicsItem* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::FocusIn)
+            focused << qMakePair(watched, static_cast<QFocusEvent*>(event)->reason());
+        return false;
+    }
+};
+
+// A column takes no keyboard focus of its own; made focusable, as a host may make it, each column of
+// the view shows where the view puts the focus, and the watcher hears of it.
+void watchColumnFocus(BkCalendarView& view, FocusWatch* watch)
+{
+    view.scene()->addItem(watch);
+    for (BkCalendarColumn* column : view.getColumnList()) {
+        column->setFlag(QGraphicsItem::ItemIsFocusable);
+        column->installSceneEventFilter(watch);
+    }
 }
 
 // A host that answers each load request of the model with the bookings its callback makes, and keeps
@@ -425,19 +456,39 @@ void tst_BkCalendarView::shouldRelayDayColumnSignals()
 
 void tst_BkCalendarView::shouldOnlyMoveTheHighlightWithinTheShownWeek()
 {
-    ViewFixture f;
-    f.view.setDays(5);
-    f.view.setDate(Wednesday);
-    QCOMPARE(f.view.date(), Monday);
-    QCOMPARE(selectedIndices(f.view), QList<int>{2});
-    QList<BkCalendarColumn*> before = f.view.getColumnList();
+    // Shown and active, so that the scene hands out keyboard focus.
+    BkShownView shown(QSize(800, 600));
+    QVERIFY(shown.ok);
+    shown.view.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&shown.view));
+    BkCalendarView& view = shown.view;
+    view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
+    view.setDays(5);
+    view.setDate(Wednesday);
+    QCOMPARE(view.date(), Monday);
+    QCOMPARE(selectedIndices(view), QList<int>{2});
+    const QList<BkCalendarColumn*> before = view.getColumnList();
+    BkCalendarItem* friday = addBooking(shown.model, 1, QDate(2026, 11, 27), 4, QTime(9, 0), QTime(10, 0));
+    QPointer<BkCalendarItemWidget> box(friday->widget);
+    QVERIFY(box);
+    auto* watch = new FocusWatch;
+    watchColumnFocus(view, watch);
+    QVERIFY(!view.scene()->focusItem());
 
-    f.view.setDate(QDate(2026, 11, 27));
-    QCOMPARE(f.view.date(), Monday);
-    QCOMPARE(f.view.selectedDate(), QDate(2026, 11, 27));
-    QCOMPARE(selectedIndices(f.view), QList<int>{4});
-    QCOMPARE(f.view.getColumnList(), before);
-    QCOMPARE(f.view.getSelectedColumn(), before.at(4));
+    view.setDate(QDate(2026, 11, 27));
+    QCOMPARE(view.date(), Monday);
+    QCOMPARE(view.selectedDate(), QDate(2026, 11, 27));
+    QCOMPARE(selectedIndices(view), QList<int>{4});
+    QCOMPARE(view.getColumnList(), before);
+    QCOMPARE(view.getSelectedColumn(), before.at(4));
+    // The columns were not built again: the box of Friday's booking is the one from before.
+    QVERIFY(box);
+    QCOMPARE(box->item(), friday);
+    QCOMPARE(boxedItems(before.at(4)), QList<BkCalendarItem*>{friday});
+    // The highlighted column has the focus, as any other way of moving the highlight gives it.
+    QCOMPARE(view.scene()->focusItem(), static_cast<QGraphicsItem*>(before.at(4)));
+    QCOMPARE(watch->focused,
+             (QList<QPair<QGraphicsItem*, Qt::FocusReason>>{qMakePair(before.at(4), Qt::OtherFocusReason)}));
 }
 
 void tst_BkCalendarView::shouldReanchorADateOutsideTheShownWeek()
@@ -472,17 +523,33 @@ void tst_BkCalendarView::shouldReanchorARangeThatDoesNotStartOnTheWeekStart()
 
 void tst_BkCalendarView::shouldOnlySelectInAOneColumnViewOnTheWeekStart()
 {
-    ViewFixture f;
-    f.view.setDate(Monday);
-    QCOMPARE(f.view.date(), Monday);
-    BkCalendarColumn* column = f.view.getColumnList().first();
+    BkShownView shown(QSize(800, 600));
+    QVERIFY(shown.ok);
+    shown.view.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&shown.view));
+    BkCalendarView& view = shown.view;
+    view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
+    view.setDate(Monday);
+    QCOMPARE(view.date(), Monday);
+    BkCalendarColumn* column = view.getColumnList().first();
+    BkCalendarItem* monday = addBooking(shown.model, 1, Monday, 4, QTime(9, 0), QTime(10, 0));
+    QPointer<BkCalendarItemWidget> box(monday->widget);
+    QVERIFY(box);
+    auto* watch = new FocusWatch;
+    watchColumnFocus(view, watch);
     column->setSelected(false);
-    QSignalSpy dates(&f.view, &BkCalendarView::dateSelected);
-    f.view.setDate(Monday);
+    QSignalSpy dates(&view, &BkCalendarView::dateSelected);
+    view.setDate(Monday);
     QVERIFY(column->isSelected());
-    QCOMPARE(f.view.getColumnList().first(), column);
+    QCOMPARE(view.getColumnList().first(), column);
     QCOMPARE(column->date(), Monday);
     QCOMPARE(dates.count(), 1);
+    // Only the selection: the column keeps the box it had, and it gets the focus.
+    QVERIFY(box);
+    QCOMPARE(box->item(), monday);
+    QCOMPARE(view.scene()->focusItem(), static_cast<QGraphicsItem*>(column));
+    QCOMPARE(watch->focused,
+             (QList<QPair<QGraphicsItem*, Qt::FocusReason>>{qMakePair(column, Qt::OtherFocusReason)}));
 }
 
 void tst_BkCalendarView::shouldRewriteEveryDateInResourceMode()
