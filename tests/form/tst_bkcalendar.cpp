@@ -1133,31 +1133,54 @@ void tst_BkCalendar::shouldTakeTheResourceOfTheColumnHoldingABooking()
 void tst_BkCalendar::shouldLetAColumnWinOverABookingInEitherOrder_data()
 {
     QTest::addColumn<bool>("bookingFirst");
-    QTest::newRow("column selected first") << false;
-    QTest::newRow("booking selected first") << true;
+    QTest::newRow("column listed first") << false;
+    QTest::newRow("booking listed first") << true;
 }
 
 void tst_BkCalendar::shouldLetAColumnWinOverABookingInEitherOrder()
 {
     // Whichever of the two the scene lists first, the column wins over a booking of another column.
+    // The scene lists its selection in the order of a hash of the items' addresses, not in the order
+    // they were selected; so pairs of a column and a booking are tried, on columns built anew, until
+    // the scene lists one pair in the order this case wants.
     QFETCH(bool, bookingFirst);
     BkCalendar form(nullptr, AllShows);
-    form.setResourceList(
-        {BkCalendarResource(5, QStringLiteral("Anna"), 0), BkCalendarResource(6, QStringLiteral("Ben"), 0)});
-    form.showGroup();
-    BkCalendarItem* item = addBooking(form.model(), 1, Wednesday, 6, QTime(9, 0), QTime(10, 0));
-    BkCalendarColumn* anna = form.view()->getColumnList().at(0);
-    form.view()->scene()->clearSelection();
-    if (bookingFirst) {
-        item->widget->setSelected(true);
-        anna->setSelected(true);
-    } else {
-        anna->setSelected(true);
-        item->widget->setSelected(true);
+    QList<BkCalendarResource> group;
+    for (int id = 5; id <= 8; ++id)
+        group << BkCalendarResource(id, QStringLiteral("User %1").arg(id), 0);
+    form.setResourceList(group);
+    for (int id = 5; id <= 8; ++id)
+        addBooking(form.model(), id, Wednesday, id, QTime(9, 0), QTime(10, 0));
+
+    QGraphicsScene* scene = form.view()->scene();
+    int expected = 0;
+    for (int attempt = 0; attempt < 5 && !expected; ++attempt) {
+        form.showGroup();
+        const QList<BkCalendarColumn*> columns = form.view()->getColumnList();
+        QCOMPARE(columns.count(), 4);
+        for (int c = 0; c < columns.count() && !expected; ++c) {
+            for (int b = 0; b < columns.count() && !expected; ++b) {
+                if (b == c)
+                    continue;
+                BkCalendarColumn* column = columns.at(c);
+                const QList<BkCalendarItem*> items = columns.at(b)->getItems(false);
+                QCOMPARE(items.count(), 1);
+                QGraphicsItem* box = items.first()->widget;
+                QVERIFY(box);
+                scene->clearSelection();
+                box->setSelected(true);
+                column->setSelected(true);
+                const QList<QGraphicsItem*> wanted =
+                    bookingFirst ? QList<QGraphicsItem*>{box, column} : QList<QGraphicsItem*>{column, box};
+                if (form.view()->selectedItems() == wanted)
+                    expected = column->resource().id.toInt();
+            }
+        }
     }
-    QCOMPARE(form.view()->selectedItems().count(), 2);
+    if (!expected)
+        QSKIP("The scene never listed a column and a booking in this order.");
     form.show1Day();
-    QCOMPARE(form.view()->resource().id.toInt(), 5);
+    QCOMPARE(form.view()->resource().id.toInt(), expected);
 }
 
 void tst_BkCalendar::shouldTakeTheLastOfSeveralSelectedColumns()
