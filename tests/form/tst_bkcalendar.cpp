@@ -909,35 +909,56 @@ void tst_BkCalendar::shouldJumpToToday()
 void tst_BkCalendar::shouldStepADayWithCtrlPage_data()
 {
     QTest::addColumn<int>("flags");
+    QTest::addColumn<bool>("week");
+    QTest::addColumn<QDate>("from");
     QTest::addColumn<int>("key");
     QTest::addColumn<QDate>("expected");
-    QTest::newRow("forward with a picker") << AllShows << int(Qt::Key_PageDown) << QDate(2027, 1, 1);
-    QTest::newRow("back with a picker") << AllShows << int(Qt::Key_PageUp) << QDate(2026, 12, 30);
+    const int noDocks = AllShows | BkCalendar::NoDocks;
+    QTest::newRow("forward with a picker")
+        << AllShows << false << QDate(2026, 12, 31) << int(Qt::Key_PageDown) << QDate(2027, 1, 1);
+    QTest::newRow("back with a picker")
+        << AllShows << false << QDate(2026, 12, 31) << int(Qt::Key_PageUp) << QDate(2026, 12, 30);
     QTest::newRow("forward without docks")
-        << int(AllShows | BkCalendar::NoDocks) << int(Qt::Key_PageDown) << QDate(2027, 1, 1);
+        << noDocks << false << QDate(2026, 12, 31) << int(Qt::Key_PageDown) << QDate(2027, 1, 1);
     QTest::newRow("back without docks")
-        << int(AllShows | BkCalendar::NoDocks) << int(Qt::Key_PageUp) << QDate(2026, 12, 30);
+        << noDocks << false << QDate(2026, 12, 31) << int(Qt::Key_PageUp) << QDate(2026, 12, 30);
+    // The step starts from the view's first date, the Monday; the Tuesday is on show, so the view only
+    // moves its highlight, and the newly selected column tells its date.
+    QTest::newRow("forward in the week with a picker")
+        << AllShows << true << Wednesday << int(Qt::Key_PageDown) << Monday.addDays(1);
+    QTest::newRow("forward in the week without docks")
+        << noDocks << true << Wednesday << int(Qt::Key_PageDown) << Monday.addDays(1);
 }
 
 void tst_BkCalendar::shouldStepADayWithCtrlPage()
 {
     QFETCH(int, flags);
+    QFETCH(bool, week);
+    QFETCH(QDate, from);
     QFETCH(int, key);
     QFETCH(QDate, expected);
     BkCalendar form(nullptr, flags);
-    form.setDate(QDate(2026, 12, 31));
+    if (week)
+        form.show5Day();
+    form.setDate(from);
     QSignalSpy selected(&form, &BkCalendar::dateSelected);
+    // The form passes on every date its view tells; only what comes on top of those is the step's own.
+    QSignalSpy fromView(form.view(), &BkCalendarView::dateSelected);
     QTest::keyClick(&form, Qt::Key(key), Qt::ControlModifier);
-    QCOMPARE(form.date(), expected);
+    QCOMPARE(form.view()->selectedDate(), expected);
+    QCOMPARE(form.date(), week ? Monday : expected);
+    QCOMPARE(fromView.count(), week ? 1 : 0);
+    QList<QList<QVariant>> passedOn = fromView;
     if (form.datePicker()) {
+        // The picker shows the day, and the step itself emits nothing.
         QCOMPARE(form.datePicker()->selectedDate(), expected);
     } else {
-        QVERIFY(selected.count() >= 1);
-        QCOMPARE(selected.last().first().toDate(), expected);
+        passedOn << QVariantList{expected};
     }
+    QCOMPARE(static_cast<QList<QList<QVariant>>>(selected), passedOn);
     // Without Ctrl the date stays.
     QTest::keyClick(&form, Qt::Key(key));
-    QCOMPARE(form.date(), expected);
+    QCOMPARE(form.view()->selectedDate(), expected);
 }
 
 void tst_BkCalendar::shouldStepColumnsWithCtrlArrowsAndWrap_data()
