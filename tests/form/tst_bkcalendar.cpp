@@ -178,6 +178,7 @@ private slots:
     void shouldStepADayWithCtrlPage();
     void shouldStepColumnsWithCtrlArrowsAndWrap_data();
     void shouldStepColumnsWithCtrlArrowsAndWrap();
+    void shouldBringTheSteppedColumnIntoSightOnlySideways();
     void shouldDoNothingOnCtrlArrowsWithoutColumns();
     void shouldStepBookingsWithCtrlUpAndDown();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
@@ -990,6 +991,62 @@ void tst_BkCalendar::shouldStepColumnsWithCtrlArrowsAndWrap()
     // Ctrl+Shift counts as Ctrl.
     QTest::keyClick(&form, Qt::Key(key), Qt::ControlModifier | Qt::ShiftModifier);
     QVERIFY(selectedColumnIndex(form) != to);
+}
+
+void tst_BkCalendar::shouldBringTheSteppedColumnIntoSightOnlySideways()
+{
+    // Ten columns of 200 pixels in a view of 800 scroll sideways. A step to a column partly out of
+    // sight scrolls it in with 50 pixels to spare, and leaves the hour the user scrolled to alone:
+    // a column is taller than the view, and it would not fit with any margin.
+    BkCalendar form(nullptr, AllShows);
+    form.resize(800, 500);
+    form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    QList<BkCalendarResource> group;
+    for (int id = 1; id <= 10; ++id)
+        group << BkCalendarResource(id, QStringLiteral("User %1").arg(id), 0);
+    form.setResourceList(group);
+    form.setMinWidth(200);
+    form.showGroup();
+    BkCalendarView* view = form.view();
+    const QList<BkCalendarColumn*> columns = view->getColumnList();
+    QCOMPARE(columns.count(), 10);
+    QCOMPARE(columns.at(3)->sceneBoundingRect().width(), 200.0);
+    QScrollBar* across = view->horizontalScrollBar();
+    QScrollBar* down = view->verticalScrollBar();
+    QVERIFY(down->maximum() > 300);
+    down->setValue(300);
+    const int width = view->viewport()->width();
+    // Where a column's edges stand in the viewport.
+    auto left = [view](BkCalendarColumn* column) {
+        return view->mapFromScene(column->sceneBoundingRect().topLeft()).x();
+    };
+    auto right = [view](BkCalendarColumn* column) {
+        return view->mapFromScene(column->sceneBoundingRect().topRight()).x();
+    };
+
+    // Column 3 reaches past the right edge.
+    QCOMPARE(across->value(), 0);
+    QVERIFY(right(columns.at(3)) > width);
+    view->scene()->clearSelection();
+    columns.at(2)->setSelected(true);
+    QTest::keyClick(&form, Qt::Key_Right, Qt::ControlModifier);
+    QCOMPARE(form.getSelectedColumn(), columns.at(3));
+    QVERIFY(across->value() > 0);
+    QCOMPARE(right(columns.at(3)), width - 50);
+    QCOMPARE(down->value(), 300);
+
+    // At the far right, column 6 reaches past the left edge. On this side Qt takes half a pixel off
+    // the scroll and cuts it to a whole one, so the 50 pixels come out as 51.
+    across->setValue(across->maximum());
+    QVERIFY(left(columns.at(6)) < 50);
+    view->scene()->clearSelection();
+    columns.at(7)->setSelected(true);
+    QTest::keyClick(&form, Qt::Key_Left, Qt::ControlModifier);
+    QCOMPARE(form.getSelectedColumn(), columns.at(6));
+    QVERIFY(across->value() < across->maximum());
+    QCOMPARE(left(columns.at(6)), 51);
+    QCOMPARE(down->value(), 300);
 }
 
 void tst_BkCalendar::shouldDoNothingOnCtrlArrowsWithoutColumns()
