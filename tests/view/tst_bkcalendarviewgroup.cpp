@@ -20,6 +20,8 @@
 #include <FwTreeWidget.h>
 #include <SQLQuery.h>
 
+#include <QImage>
+#include <QResource>
 #include <QSignalSpy>
 
 namespace {
@@ -92,6 +94,42 @@ QList<int> indices(const BkCalendarView& view)
         list << column->index();
     return list;
 }
+
+// What the viewport shows of a column's header, from the header's top left corner on.
+QImage headerAsShown(BkCalendarView& view, BkCalendarColumn* column)
+{
+    const QImage shown = view.viewport()->grab().toImage();
+    const QRect header = view.mapFromScene(column->header()->sceneBoundingRect()).boundingRect();
+    return shown.copy(header);
+}
+
+// Every opaque pixel of the picture appears unchanged with its top left at `origin`.
+bool showsPicture(const QImage& image, const QImage& picture, const QPoint& origin)
+{
+    int opaque = 0;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb p = picture.pixel(x, y);
+            if (qAlpha(p) != 255)
+                continue;
+            ++opaque;
+            if (image.pixel(origin.x() + x, origin.y() + y) != p)
+                return false;
+        }
+    return opaque > 0;
+}
+
+// The pictures a host registers for its resources, as long as the test runs.
+struct HostIcons
+{
+    HostIcons() { ok = QResource::registerResource(QStringLiteral(FWCALENDAR_HOST_ICONS)); }
+    ~HostIcons()
+    {
+        if (ok)
+            QResource::unregisterResource(QStringLiteral(FWCALENDAR_HOST_ICONS));
+    }
+    bool ok = false;
+};
 
 struct GroupView : BkShownView
 {
@@ -273,11 +311,25 @@ void tst_BkCalendarViewGroup::shouldLeaveNothingWhenTheLastColumnIsCleared()
 
 void tst_BkCalendarViewGroup::shouldTurnTheHeaderToAResource()
 {
+    HostIcons icons;
+    QVERIFY(icons.ok);
+    const QImage userIcon(QStringLiteral(":/calendar/user.png"));
+    const QImage resourceIcon(QStringLiteral(":/calendar/icons/kexi.png"));
+    QVERIFY(!userIcon.isNull() && !resourceIcon.isNull());
     GroupView g;
     QVERIFY(g.ok);
     g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0)});
     BkCalendarColumn* column = g.view.getColumnList().first();
+    const BkCalendarColorScheme& scheme = *g.view.colorScheme();
     QCOMPARE(column->header()->resource.type, 0);
+    // A plain spot of the strip, right of the caption and left of the grip.
+    const int x = int(column->header()->boundingRect().width()) - 30;
+    g.view.scene()->clearSelection();
+    QImage shown = headerAsShown(g.view, column);
+    QVERIFY(!column->header()->headerSelected());
+    QCOMPARE(shown.pixelColor(x, 5), scheme.header);
+    QVERIFY(showsPicture(shown, userIcon, QPoint(2, 2)));
+
     answerPicker(Answer::Pick, 7, 1);
     doubleClickHeader(g.view, column);
     QCOMPARE(column->resource().type, 1);
@@ -285,6 +337,14 @@ void tst_BkCalendarViewGroup::shouldTurnTheHeaderToAResource()
     QCOMPARE(column->header()->resource.type, 1);
     QCOMPARE(column->header()->text(), QStringLiteral("Room 7"));
     QCOMPARE(savedGroup(), QStringLiteral("7:1"));
+
+    // The header now shows a resource: the lilac strip and the resource's icon instead of the user's.
+    g.view.scene()->clearSelection();
+    shown = headerAsShown(g.view, column);
+    QVERIFY(!column->header()->headerSelected());
+    QCOMPARE(shown.pixelColor(x, 5), scheme.resourceHeader);
+    QVERIFY(showsPicture(shown, resourceIcon, QPoint(2, 2)));
+    QVERIFY(!showsPicture(shown, userIcon, QPoint(2, 2)));
 }
 
 void tst_BkCalendarViewGroup::shouldRelayAgainAtEveryPick()
