@@ -22,6 +22,7 @@
 #include <FwMenuBar.h>
 #include <FwToolBar.h>
 #include <FwTreeWidget.h>
+#include <SQLQuery.h>
 
 #include <QAction>
 #include <QActionGroup>
@@ -159,6 +160,7 @@ private slots:
     void shouldKeepMinWidthAndResourceListForTheGroupView();
     void shouldHandTheResourceToViewAndJobList();
     void shouldGiveACopyOfTheColourScheme();
+    void shouldShowTheStatusTableOnlyInCopiesTakenAfterTheViewLoadsIt();
     void shouldFindTheSelectedBooking();
     void shouldReadTheDatabaseClock();
 
@@ -587,6 +589,33 @@ void tst_BkCalendar::shouldGiveACopyOfTheColourScheme()
     copy.statusColors[42].name = QStringLiteral("changed");
     QVERIFY(!form.view()->colorScheme()->statusColors.contains(42));
     QCOMPARE(copy.selectedHeader, form.view()->colorScheme()->selectedHeader);
+}
+
+void tst_BkCalendar::shouldShowTheStatusTableOnlyInCopiesTakenAfterTheViewLoadsIt()
+{
+    SQLQuery query;
+    QVERIFY(
+        query.exec(QStringLiteral("CREATE TABLE tbl_casestage (id INTEGER, fw_name TEXT, fw_color TEXT)")));
+    // The other forms of this test run without the table.
+    struct DropTable
+    {
+        ~DropTable() { SQLQuery().exec(QStringLiteral("DROP TABLE tbl_casestage")); }
+    } dropTable;
+    QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (1, 'Open', '#ff0000')")));
+    BkCalendar form(nullptr, AllShows);
+    const BkCalendarColorScheme before = form.scheme();
+    QCOMPARE(before.statusColors.keys(), QList<int>{1});
+
+    QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (3, 'Billed', '#00ff00')")));
+    // A row the view has not loaded is in no copy, old or new.
+    QCOMPARE(form.scheme().statusColors.keys(), QList<int>{1});
+
+    form.view()->loadCalendarStatus();
+    QCOMPARE(before.statusColors.keys(), QList<int>{1});
+    const BkCalendarColorScheme after = form.scheme();
+    QCOMPARE(after.statusColors.keys(), (QList<int>{1, 3}));
+    QCOMPARE(after.statusColors.value(3).name, QStringLiteral("Billed"));
+    QCOMPARE(after.statusColors.value(3).color, QColor(0, 255, 0));
 }
 
 void tst_BkCalendar::shouldFindTheSelectedBooking()
