@@ -23,7 +23,8 @@ class BkCalendarModel;
 class FWCALENDAR_EXPORT BkCalendarItem
 {
 public:
-    enum ItemType
+    // Stored as an int: a host may hand over any kind, and all but these three behave alike.
+    enum ItemType : int
     {
         Meeting = 1,
         Reserved = 6,

@@ -10,6 +10,8 @@
 #include <QStyleOptionGraphicsItem>
 #include <QtTest>
 
+#include <limits>
+
 namespace {
 
 // A full-width red block in the rich text shows where the text area lies.
@@ -108,6 +110,7 @@ private slots:
     void shouldBreakTheTextAnewWhenTheBoxChangesWidth();
     void shouldStartTextOnlyAtTopWithoutTime();
     void shouldShowMeetingInPlaceOfTitle();
+    void shouldPaintEveryOtherKindAsAPlainBooking();
     void shouldDrawUsersIconOnlyAboveFortyPixels();
     void shouldDrawIconsOnlyInTallBoxes();
     void shouldDrawPadlockForLockedBooking();
@@ -291,6 +294,24 @@ void tst_BkCalendarPaint::shouldShowMeetingInPlaceOfTitle()
     const QImage meetingImage = paintItem(meeting->widget);
     QCOMPARE(meetingImage, paintItem(plain->widget));
     QVERIFY(meetingImage != paintItem(other->widget));
+}
+
+// A host may hand over any kind of booking; every kind but a meeting, a reservation and text only
+// looks like a plain one, out of the enumeration's range as well.
+void tst_BkCalendarPaint::shouldPaintEveryOtherKindAsAPlainBooking()
+{
+    BkColumnFixture plainFixture(false, 105.0);
+    BkCalendarItem* plain = plainFixture.addItem(QTime(9, 0), QTime(9, 30), 1);
+    plain->setTitle("Check-up");
+    const QImage expected = paintItem(plain->widget);
+    for (int kind : {2, 5, 8, -5, 999, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+        BkColumnFixture fixture(false, 105.0);
+        BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(9, 30), 1, kind);
+        item->setTitle("Check-up");
+        QCOMPARE(int(item->type()), kind);
+        QVERIFY(item->widget);
+        QVERIFY2(paintItem(item->widget) == expected, qPrintable(QString::number(kind)));
+    }
 }
 
 void tst_BkCalendarPaint::shouldDrawUsersIconOnlyAboveFortyPixels()
