@@ -61,6 +61,9 @@ void BkCalendarUserList::init()
     } else {
         addHeading(tree, tr("Users"));
         while (users.next()) {
+            // A row without an id names nobody: chosen, it would read as a cleared choice.
+            if (users.value(0).isNull())
+                continue;
             auto* row = new FwTreeWidgetItem(tree);
             row->setData(0, IdRole, users.value(0));
             row->setData(0, TypeRole, 0);
@@ -75,6 +78,8 @@ void BkCalendarUserList::init()
     }
     addHeading(tree, tr("Resources"));
     while (resources.next()) {
+        if (resources.value(0).isNull())
+            continue;
         auto* row = new FwTreeWidgetItem(tree);
         row->setData(0, IdRole, resources.value(0));
         row->setData(0, TypeRole, 1);

@@ -150,6 +150,7 @@ private slots:
     void shouldGiveANullIdAndKeepTheChoiceOnClear();
     void shouldChangeNothingOnCancel();
     void shouldShowBothHeadingsWhenThereAreNoUsers();
+    void shouldLeaveOutRowsWithoutAnId();
     void shouldLeaveOutUsersWhenTheirQueryFails();
     void shouldLeaveOutResourcesWhenTheirQueryFails();
 };
@@ -176,9 +177,15 @@ void tst_BkCalendarUserList::cleanup()
     // Whatever a test broke, the next one finds the tables as initTestCase made them.
     run(QStringLiteral("DROP VIEW IF EXISTS view_user"));
     QVERIFY(run(QLatin1String(UsersView)));
-    SQLQuery probe;
-    if (!probe.exec(QStringLiteral("SELECT 1 FROM tbl_resource")))
+    // A query still open would keep SQLite from changing the tables, so each probe ends at once.
+    const auto exists = [](const char* table) {
+        SQLQuery probe;
+        return probe.exec(QStringLiteral("SELECT 1 FROM %1").arg(QLatin1String(table)));
+    };
+    if (exists("tbl_resource_away")) {
+        run(QStringLiteral("DROP TABLE IF EXISTS tbl_resource"));
         QVERIFY(run(QStringLiteral("ALTER TABLE tbl_resource_away RENAME TO tbl_resource")));
+    }
     QVERIFY(run(QStringLiteral("DELETE FROM tbl_user")));
     QVERIFY(run(QStringLiteral("DELETE FROM tbl_resource")));
 }
@@ -503,6 +510,26 @@ void tst_BkCalendarUserList::shouldShowBothHeadingsWhenThereAreNoUsers()
     QCOMPARE(namesOf(treeOf(dialog)), (QStringList{QStringLiteral("Users"), QStringLiteral("Resources"),
                                                    QStringLiteral("Attic room"), QStringLiteral("Beamer")}));
     QCOMPARE(rowsOf(treeOf(dialog)).at(1).headingFlags, QVariant(32));
+}
+
+// A row without an id names nobody; chosen, it would read as a cleared choice and take the column
+// away. Such rows of either table are left out, and the others still come.
+void tst_BkCalendarUserList::shouldLeaveOutRowsWithoutAnId()
+{
+    QVERIFY(run(QStringLiteral("DROP VIEW view_user")));
+    QVERIFY(run(QStringLiteral("CREATE VIEW view_user AS SELECT id, usr_initials, usr_name FROM tbl_user "
+                               "UNION ALL SELECT NULL, 'NU', 'Nobody'")));
+    QVERIFY(run(QStringLiteral("ALTER TABLE tbl_resource RENAME TO tbl_resource_away")));
+    QVERIFY(run(QStringLiteral("CREATE TABLE tbl_resource (id INTEGER, fw_text TEXT)")));
+    QVERIFY(run(QStringLiteral(
+        "INSERT INTO tbl_resource (id, fw_text) VALUES (NULL, 'Nowhere'), (7, 'Attic room')")));
+    BkCalendarUserList dialog(nullptr);
+    QCOMPARE(namesOf(treeOf(dialog)),
+             (QStringList{QStringLiteral("Users"), QStringLiteral("Anna Klein"), QStringLiteral("Mia Berg"),
+                          QStringLiteral("Zoe Zimmer"), QStringLiteral("Resources"),
+                          QStringLiteral("Attic room")}));
+    for (const Row& row : rowsOf(treeOf(dialog)))
+        QVERIFY(row.headingFlags.isValid() || !row.id.isNull());
 }
 
 void tst_BkCalendarUserList::shouldLeaveOutUsersWhenTheirQueryFails()
