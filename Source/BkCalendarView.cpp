@@ -18,6 +18,8 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <limits>
+
 BkCalendarView::BkCalendarView(QWidget* parent)
     : QGraphicsView(parent)
     , mModel(nullptr)
@@ -319,13 +321,14 @@ void BkCalendarView::loadCalendarStatus()
     if (!query.prepare(QStringLiteral("SELECT id,fw_name,fw_color FROM tbl_casestage")) || !query.exec())
         return;
     while (query.next()) {
-        // A row without a numeric id cannot be told apart from status 0; it is left out rather than
-        // overwrite that status. A colour that does not parse is kept as an invalid colour.
+        // A row without a numeric id cannot be told apart from status 0, and one beyond an int would
+        // be cut to another status's id; such rows are left out rather than overwrite a status. A
+        // colour that does not parse is kept as an invalid colour.
         bool ok = false;
-        const int id = query.value(0).toInt(&ok);
-        if (!ok)
+        const qlonglong id = query.value(0).toLongLong(&ok);
+        if (!ok || id < std::numeric_limits<int>::min() || id > std::numeric_limits<int>::max())
             continue;
-        BkCalendarStatusEntry& entry = mScheme.statusColors[id];
+        BkCalendarStatusEntry& entry = mScheme.statusColors[int(id)];
         entry.name = query.value(1).toString();
         QColor color;
         color.setNamedColor(query.value(2).toString());

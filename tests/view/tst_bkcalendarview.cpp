@@ -176,7 +176,7 @@ private slots:
     void shouldBuildWithTheWorkingDefaults();
     void shouldOfferDateAndDaysAsProperties();
     void shouldLoadTheStatusColours();
-    void shouldKeepAnUnreadableColourAndSkipAnUnnumberedRow();
+    void shouldKeepAnUnreadableColourAndSkipARowWithoutAnIntId();
     void shouldClearTheStatusColoursWhenTheQueryFails();
 
     void shouldShowConsecutiveDaysFromTheWeekStart_data();
@@ -314,11 +314,14 @@ void tst_BkCalendarView::shouldLoadTheStatusColours()
     QCOMPARE(colours.value(4).color, QColor(0, 255, 0));
 }
 
-void tst_BkCalendarView::shouldKeepAnUnreadableColourAndSkipAnUnnumberedRow()
+void tst_BkCalendarView::shouldKeepAnUnreadableColourAndSkipARowWithoutAnIntId()
 {
     SQLQuery query;
     QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (7, 'Odd', 'not a colour')")));
     QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES ('seven', 'Bad id', '#0000ff')")));
+    // Beyond an int: cut to 32 bits, it would file the row under another status.
+    QVERIFY(
+        query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (99999999999, 'Too big', '#0000ff')")));
     BkCalendarView view;
     makeCaseStage();
     const QMap<int, BkCalendarStatusEntry>& colours = view.colorScheme()->statusColors;
