@@ -1031,11 +1031,12 @@ void BkCalendarColumn::initSavedValue()
         if (!entryMatches(entry, mResource, &parts))
             continue;
         // The list is kept on the user's machine and may have been edited by hand: a width that is
-        // not a positive number, or wider than any widget can be, gives no width, and the walk goes
-        // on to the next entry. (A wider one would overflow the whole-pixel arithmetic of painting.)
+        // not a number, under a pixel, or wider than any widget can be, gives no width, and the walk
+        // goes on to the next entry. (Under a pixel the header could not be hit to widen the column
+        // again; a wider one would overflow the whole-pixel arithmetic of painting.)
         bool ok = false;
         const double width = parts.at(2).toDouble(&ok);
-        if (!ok || !std::isfinite(width) || width <= 0.0 || width > QWIDGETSIZE_MAX)
+        if (!ok || !std::isfinite(width) || width < 1.0 || width > QWIDGETSIZE_MAX)
             continue;
         mWidthScale = width;
         mWidthType = WidthFixed;

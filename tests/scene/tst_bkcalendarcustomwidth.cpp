@@ -84,8 +84,8 @@ private slots:
     void savedWidthComesBackForTheSameTypeAndId();
     void firstMatchIsReadLastMatchIsRemoved();
     void malformedEntriesAreLeftAlone();
-    void widthBeyondAnyScreenIsNoWidth_data();
-    void widthBeyondAnyScreenIsNoWidth();
+    void widthNoColumnCanHaveIsNoWidth_data();
+    void widthNoColumnCanHaveIsNoWidth();
     void contextMenuRemovesTheCustomSize();
     void contextMenuOnADayColumn();
 };
@@ -340,19 +340,24 @@ void tst_BkCalendarCustomWidth::malformedEntriesAreLeftAlone()
     QCOMPARE(fresh->widthScale(), 200.0);
 }
 
-void tst_BkCalendarCustomWidth::widthBeyondAnyScreenIsNoWidth_data()
+void tst_BkCalendarCustomWidth::widthNoColumnCanHaveIsNoWidth_data()
 {
     QTest::addColumn<QString>("entry");
     QTest::addColumn<double>("width");
     QTest::newRow("huge") << QStringLiteral("1|7|1e300") << 200.0;
     QTest::newRow("beyond Qt's widest widget") << QStringLiteral("1|7|16777216") << 200.0;
     QTest::newRow("Qt's widest widget") << QStringLiteral("1|7|16777215") << 16777215.0;
+    // Under a pixel no part of the header could be hit to drag it wider or remove the width.
+    QTest::newRow("tiny") << QStringLiteral("1|7|1e-300") << 200.0;
+    QTest::newRow("under a pixel") << QStringLiteral("1|7|0.9999") << 200.0;
+    QTest::newRow("one pixel") << QStringLiteral("1|7|1") << 1.0;
 }
 
-void tst_BkCalendarCustomWidth::widthBeyondAnyScreenIsNoWidth()
+void tst_BkCalendarCustomWidth::widthNoColumnCanHaveIsNoWidth()
 {
-    // A width that no widget can have comes from a hand-edited list; taken, it would overflow the
-    // whole-pixel arithmetic of the view and of Qt. It is no width, and the view stays usable.
+    // A width that no widget can have, or one under a pixel, comes from a hand-edited list; taken, it
+    // would overflow the whole-pixel arithmetic of the view and of Qt, or leave a column that the
+    // mouse cannot find. It is no width, and the view stays usable.
     QFETCH(QString, entry);
     QFETCH(double, width);
     storeLayout(QStringList() << entry);
