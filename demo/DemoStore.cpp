@@ -75,23 +75,49 @@ bool isShowable(const DemoBookingRow& row)
            row.start <= row.end;
 }
 
-void bindRow(SQLQuery& query, const DemoBookingRow& row)
+// The stored columns of a booking but its id, in the order of BookingColumns, with the values that
+// a row writes into them.
+QVector<QPair<QString, QVariant>> fieldsOf(const DemoBookingRow& row)
 {
-    query.addBindValue(row.date);
-    query.addBindValue(row.userId.isNull() ? QVariant(QVariant::Int) : QVariant(row.userId.toInt()));
-    query.addBindValue(row.resourceId.isNull() ? QVariant(QVariant::Int) : QVariant(row.resourceId.toInt()));
-    query.addBindValue(timeValue(row.start));
-    query.addBindValue(timeValue(row.end));
-    query.addBindValue(row.title);
-    query.addBindValue(row.text);
-    query.addBindValue(row.type);
-    query.addBindValue(row.flags);
-    query.addBindValue(row.statusId.isNull() ? QVariant(QVariant::Int) : QVariant(row.statusId.toInt()));
-    query.addBindValue(row.locked);
-    query.addBindValue(colourValue(row.leftColor));
-    query.addBindValue(colourValue(row.rightColor));
-    query.addBindValue(colourValue(row.topColor));
-    query.addBindValue(colourValue(row.bottomColor));
+    const auto key = [](const QVariant& id) {
+        return id.isNull() ? QVariant(QVariant::Int) : QVariant(id.toInt());
+    };
+    return {{QStringLiteral("bk_date"), row.date},
+            {QStringLiteral("bk_user"), key(row.userId)},
+            {QStringLiteral("bk_resource"), key(row.resourceId)},
+            {QStringLiteral("bk_start"), timeValue(row.start)},
+            {QStringLiteral("bk_end"), timeValue(row.end)},
+            {QStringLiteral("bk_title"), row.title},
+            {QStringLiteral("bk_text"), row.text},
+            {QStringLiteral("bk_type"), row.type},
+            {QStringLiteral("bk_flags"), row.flags},
+            {QStringLiteral("bk_status"), key(row.statusId)},
+            {QStringLiteral("bk_locked"), row.locked},
+            {QStringLiteral("bk_left"), colourValue(row.leftColor)},
+            {QStringLiteral("bk_right"), colourValue(row.rightColor)},
+            {QStringLiteral("bk_top"), colourValue(row.topColor)},
+            {QStringLiteral("bk_bottom"), colourValue(row.bottomColor)}};
+}
+
+bool insertRow(SQLQuery& insert, const DemoBookingRow& row, bool withId)
+{
+    const QVector<QPair<QString, QVariant>> fields = fieldsOf(row);
+    QStringList columns;
+    if (withId)
+        columns << QStringLiteral("id");
+    for (const auto& field : fields)
+        columns << field.first;
+    QStringList marks;
+    for (int i = 0; i < columns.size(); ++i)
+        marks << QStringLiteral("?");
+    insert.prepare(QStringLiteral("INSERT INTO demo_booking (%1) VALUES (%2)%3")
+                       .arg(columns.join(QStringLiteral(", ")), marks.join(QStringLiteral(", ")),
+                            withId ? QString() : QStringLiteral(" RETURNING id")));
+    if (withId)
+        insert.addBindValue(row.id);
+    for (const auto& field : fields)
+        insert.addBindValue(field.second);
+    return insert.exec();
 }
 
 } // namespace
@@ -244,40 +270,38 @@ std::optional<DemoBookingRow> DemoStore::readRow(int id) const
 
 bool DemoStore::writeRow(DemoBookingRow& row)
 {
-    const QString fields =
-        QStringLiteral("bk_date, bk_user, bk_resource, bk_start, bk_end, bk_title, bk_text, "
-                       "bk_type, bk_flags, bk_status, bk_locked, bk_left, bk_right, bk_top, "
-                       "bk_bottom");
     if (row.id > 0) {
-        SQLQuery update;
-        update.prepare(
-            QStringLiteral("UPDATE demo_booking SET bk_date = ?, bk_user = ?, bk_resource = ?, "
-                           "bk_start = ?, bk_end = ?, bk_title = ?, bk_text = ?, bk_type = ?, "
-                           "bk_flags = ?, bk_status = ?, bk_locked = ?, bk_left = ?, bk_right = ?, "
-                           "bk_top = ?, bk_bottom = ? WHERE id = ?"));
-        bindRow(update, row);
-        update.addBindValue(row.id);
-        if (!update.exec())
-            return fail(update.lastError().text());
-        if (update.numRowsAffected() > 0)
-            return true;
+        if (const std::optional<DemoBookingRow> stored = readRow(row.id)) {
+            // Only the columns whose value changed are written. A stored value that the demo cannot
+            // read (a status that is no number, a colour that does not parse) reads as none, and
+            // stays in the file as it is until the user gives that field a value of its own.
+            const QVector<QPair<QString, QVariant>> was = fieldsOf(*stored);
+            const QVector<QPair<QString, QVariant>> now = fieldsOf(row);
+            QStringList sets;
+            QVariantList values;
+            for (int i = 0; i < now.size(); ++i) {
+                if (now.at(i).second != was.at(i).second ||
+                    now.at(i).second.isNull() != was.at(i).second.isNull()) {
+                    sets << now.at(i).first + QStringLiteral(" = ?");
+                    values << now.at(i).second;
+                }
+            }
+            if (sets.isEmpty())
+                return true;
+            SQLQuery update;
+            update.prepare(QStringLiteral("UPDATE demo_booking SET %1 WHERE id = ?")
+                               .arg(sets.join(QStringLiteral(", "))));
+            for (const QVariant& value : qAsConst(values))
+                update.addBindValue(value);
+            update.addBindValue(row.id);
+            return update.exec() || fail(update.lastError().text());
+        }
         // Gone from the table, by a deletion that is being undone: back under its own id.
         SQLQuery insert;
-        insert.prepare(
-            QStringLiteral("INSERT INTO demo_booking (id, %1) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-                           "?, ?, ?, ?)")
-                .arg(fields));
-        insert.addBindValue(row.id);
-        bindRow(insert, row);
-        return insert.exec() || fail(insert.lastError().text());
+        return insertRow(insert, row, true) || fail(insert.lastError().text());
     }
     SQLQuery insert;
-    insert.prepare(
-        QStringLiteral("INSERT INTO demo_booking (%1) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) "
-                       "RETURNING id")
-            .arg(fields));
-    bindRow(insert, row);
-    if (!insert.exec() || !insert.next())
+    if (!insertRow(insert, row, false) || !insert.next())
         return fail(insert.lastError().text());
     row.id = insert.value(0).toInt();
     return row.id > 0 || fail(QStringLiteral("The new booking got no id"));

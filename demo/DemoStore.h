@@ -35,8 +35,8 @@ public:
     QString nameOf(const BkCalendarResource& who) const;
 
     std::optional<DemoBookingRow> readRow(int id) const;
-    // Inserts a row without an id and gives it one; writes a row with an id as it stands, inserting it
-    // again if it was deleted (so that undo of a deletion keeps the id).
+    // Inserts a row without an id and gives it one; writes the changed fields of a row with an id,
+    // inserting it again if it was deleted (so that undo of a deletion keeps the id).
     bool writeRow(DemoBookingRow& row);
     bool removeRow(int id);
     QString lastError() const { return mError; }

@@ -53,6 +53,25 @@ QVariant readBack(const QString& file, const QString& sql, int id)
     return result;
 }
 
+// Writes into the file through a connection of its own, as another program would.
+bool writeBack(const QString& file, const QString& sql, int id)
+{
+    bool ok = false;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("writer"));
+        db.setDatabaseName(file);
+        if (db.open()) {
+            QSqlQuery query(db);
+            query.prepare(sql);
+            query.addBindValue(id);
+            ok = query.exec() && query.numRowsAffected() == 1;
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("writer"));
+    return ok;
+}
+
 int countRows(const QString& file, const QString& sql)
 {
     int result = -1;
@@ -115,6 +134,7 @@ private slots:
     void shouldFindEverythingAfterReopening();
     void shouldWriteCreationEditDeletionAndTheirUndo();
     void shouldLoseNothingWhenASaveFails();
+    void shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges();
     void shouldRefuseANewerSchema();
     void shouldReadOnlyWellFormedGroupEntries();
     void shouldWriteAScreenshotOfTheExpectedSize();
@@ -304,6 +324,59 @@ void tst_DemoApp::shouldWriteCreationEditDeletionAndTheirUndo()
     // Undo and redo write the file themselves; nothing waits for a save afterwards.
     QTest::qWait(1200);
     QCOMPARE(saved.count(), 1);
+}
+
+// Another program stored values that the demo reads as none or cuts short; a change of another
+// field writes that field alone, and the values stay in the file as they were.
+void tst_DemoApp::shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges()
+{
+    int id = 0;
+    {
+        DemoWindow window(1);
+        window.showView(DemoWindow::Day);
+        window.calendar()->setDate(Wednesday);
+        DemoBookingRow row;
+        row.date = Wednesday;
+        row.start = QTime(16, 30);
+        row.end = QTime(16, 45);
+        row.title = QStringLiteral("Raw");
+        BkCalendarItem* item = window.createBooking(Anna, row);
+        QVERIFY(item);
+        id = item->id.toInt();
+    }
+    QVERIFY(writeBack(mFile,
+                      QStringLiteral("UPDATE demo_booking SET bk_status = 'abc', bk_left = 'not a colour', "
+                                     "bk_flags = 99999999999 WHERE id = ?"),
+                      id));
+    const auto stored = [this, id](const char* column) {
+        return readBack(
+            mFile, QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?").arg(QLatin1String(column)), id);
+    };
+
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarItem* item = window.calendar()->model()->findId(id);
+    QVERIFY(item);
+    QSignalSpy saved(window.calendar(), &BkCalendar::saveItems);
+    DemoBookingRow changed = DemoBookingRow::fromItem(item);
+    changed.title = QStringLiteral("Renamed");
+    QVERIFY(window.editBooking(item, changed));
+    QTRY_COMPARE_WITH_TIMEOUT(saved.count(), 1, 20000);
+    QCOMPARE(stored("bk_title").toString(), QStringLiteral("Renamed"));
+    QCOMPARE(stored("bk_status").toString(), QStringLiteral("abc"));
+    QCOMPARE(stored("bk_left").toString(), QStringLiteral("not a colour"));
+    QCOMPARE(stored("bk_flags").toLongLong(), 99999999999LL);
+
+    // A field that the user sets is written; the others still stay.
+    changed = DemoBookingRow::fromItem(item);
+    changed.statusId = 2;
+    QVERIFY(window.editBooking(item, changed));
+    QTRY_COMPARE_WITH_TIMEOUT(saved.count(), 2, 20000);
+    QCOMPARE(stored("bk_status").toInt(), 2);
+    QCOMPARE(stored("bk_left").toString(), QStringLiteral("not a colour"));
+    QCOMPARE(stored("bk_title").toString(), QStringLiteral("Renamed"));
+    QVERIFY(window.deleteBooking(item));
 }
 
 void tst_DemoApp::shouldLoseNothingWhenASaveFails()
