@@ -125,7 +125,11 @@ void BkCalendarTimeScale::update()
     mHourAligned = (60 % mTimeSteps == 0);
     prepareGeometryChange();
 
-    int minutes = minuteOfDay(mEnd) - minuteOfDay(mStart);
+    // Midnight to midnight is the whole day, as inside() reads it. The default day rounds up to
+    // exactly that, and every later update (a new step or minute height) has to find the whole day
+    // again instead of a span of nothing.
+    const QTime midnight(0, 0, 0, 0);
+    int minutes = mStart == midnight && mEnd == midnight ? 24 * 60 : minuteOfDay(mEnd) - minuteOfDay(mStart);
     mLoops = minutes / mTimeSteps;
     const int rest = minutes % mTimeSteps;
     if (rest != 0) {

@@ -93,6 +93,21 @@ void tst_BkCalendarTimeScale::shouldRoundTheDefaultDayUpToMidnight()
     QCOMPARE(scale.rect(), QRectF(0.0, 0.0, 50.0, 1440.0 + 50.0));
     // Midnight at the end reads as the end of the day.
     QVERIFY(scale.inside(QTime(23, 0), QTime(23, 30)));
+
+    // The whole day stays whole through every later change, and so does a day set from midnight
+    // to midnight.
+    scale.setMinuteHeight(1.5f);
+    QCOMPARE(scale.loops(), 96);
+    QCOMPARE(scale.rect(), QRectF(0.0, 0.0, 50.0, 1440.0 * 1.5 + 50.0));
+    scale.setTimeSteps(30);
+    QCOMPARE(scale.loops(), 48);
+    QCOMPARE(scale.end(), QTime(0, 0));
+    scale.setInterval(QTime(0, 0), QTime(0, 0));
+    QCOMPARE(scale.loops(), 48);
+    QCOMPARE(scale.rect(), QRectF(0.0, 0.0, 50.0, 1440.0 * 1.5 + 50.0));
+    // Another start keeps its plain arithmetic: an end of midnight is minute 0 of the day.
+    scale.setInterval(QTime(18, 0), QTime(0, 0));
+    QCOMPARE(scale.loops(), -36);
 }
 
 void tst_BkCalendarTimeScale::shouldLayOutTheWorkingInterval()
