@@ -18,6 +18,12 @@ struct BkShownView
         view.show();
         ok = QTest::qWaitForWindowExposed(&view);
     }
+    // Makes the window the active one, so that the scene hands out keyboard focus.
+    bool activate()
+    {
+        view.activateWindow();
+        return QTest::qWaitForWindowActive(&view);
+    }
     BkCalendarModel model;
     BkCalendarView view;
     bool ok = false;

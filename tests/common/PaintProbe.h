@@ -112,6 +112,22 @@ inline bool sameInk(const QImage& a, const QImage& b, const QColor& ink, const Q
     return true;
 }
 
+// Every opaque pixel of the picture appears unchanged with its top left at `origin`.
+inline bool showsPicture(const QImage& image, const QImage& picture, const QPoint& origin)
+{
+    int opaque = 0;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb p = picture.pixel(x, y);
+            if (qAlpha(p) != 255)
+                continue;
+            ++opaque;
+            if (image.pixel(origin.x() + x, origin.y() + y) != p)
+                return false;
+        }
+    return opaque > 0;
+}
+
 } // namespace PaintProbe
 
 #endif // PAINTPROBE_H

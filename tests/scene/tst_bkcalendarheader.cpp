@@ -50,22 +50,6 @@ void save(const QImage& image, const QString& name)
     image.save(QDir(QStringLiteral(QT_TESTCASE_BUILDDIR)).filePath(name));
 }
 
-// Every opaque pixel of the picture appears unchanged with its top left at `origin`.
-bool showsPicture(const QImage& image, const QImage& picture, const QPoint& origin)
-{
-    int opaque = 0;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x) {
-            const QRgb p = picture.pixel(x, y);
-            if (qAlpha(p) != 255)
-                continue;
-            ++opaque;
-            if (image.pixel(origin.x() + x, origin.y() + y) != p)
-                return false;
-        }
-    return opaque > 0;
-}
-
 // The header of a group column for the resource "Beamer".
 void showResource(BkCalendarHeader& header, BkCalendarColorScheme& scheme)
 {

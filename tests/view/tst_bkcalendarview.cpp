@@ -462,8 +462,7 @@ void tst_BkCalendarView::shouldOnlyMoveTheHighlightWithinTheShownWeek()
     // Shown and active, so that the scene hands out keyboard focus.
     BkShownView shown(QSize(800, 600));
     QVERIFY(shown.ok);
-    shown.view.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&shown.view));
+    QVERIFY(shown.activate());
     BkCalendarView& view = shown.view;
     view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
     view.setDays(5);
@@ -528,8 +527,7 @@ void tst_BkCalendarView::shouldOnlySelectInAOneColumnViewOnTheWeekStart()
 {
     BkShownView shown(QSize(800, 600));
     QVERIFY(shown.ok);
-    shown.view.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&shown.view));
+    QVERIFY(shown.activate());
     BkCalendarView& view = shown.view;
     view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
     view.setDate(Monday);

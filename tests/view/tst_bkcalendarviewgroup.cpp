@@ -5,6 +5,7 @@
 #include "BkShownView.h"
 #include "FwModal.h"
 #include "FwTestApplication.h"
+#include "PaintProbe.h"
 
 #include <BkCalendarClock.h>
 #include <BkCalendarColumn.h>
@@ -101,22 +102,6 @@ QImage headerAsShown(BkCalendarView& view, BkCalendarColumn* column)
     const QImage shown = view.viewport()->grab().toImage();
     const QRect header = view.mapFromScene(column->header()->sceneBoundingRect()).boundingRect();
     return shown.copy(header);
-}
-
-// Every opaque pixel of the picture appears unchanged with its top left at `origin`.
-bool showsPicture(const QImage& image, const QImage& picture, const QPoint& origin)
-{
-    int opaque = 0;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x) {
-            const QRgb p = picture.pixel(x, y);
-            if (qAlpha(p) != 255)
-                continue;
-            ++opaque;
-            if (image.pixel(origin.x() + x, origin.y() + y) != p)
-                return false;
-        }
-    return opaque > 0;
 }
 
 // The pictures a host registers for its resources, as long as the test runs.
@@ -328,7 +313,7 @@ void tst_BkCalendarViewGroup::shouldTurnTheHeaderToAResource()
     QImage shown = headerAsShown(g.view, column);
     QVERIFY(!column->header()->headerSelected());
     QCOMPARE(shown.pixelColor(x, 5), scheme.header);
-    QVERIFY(showsPicture(shown, userIcon, QPoint(2, 2)));
+    QVERIFY(PaintProbe::showsPicture(shown, userIcon, QPoint(2, 2)));
 
     answerPicker(Answer::Pick, 7, 1);
     doubleClickHeader(g.view, column);
@@ -343,8 +328,8 @@ void tst_BkCalendarViewGroup::shouldTurnTheHeaderToAResource()
     shown = headerAsShown(g.view, column);
     QVERIFY(!column->header()->headerSelected());
     QCOMPARE(shown.pixelColor(x, 5), scheme.resourceHeader);
-    QVERIFY(showsPicture(shown, resourceIcon, QPoint(2, 2)));
-    QVERIFY(!showsPicture(shown, userIcon, QPoint(2, 2)));
+    QVERIFY(PaintProbe::showsPicture(shown, resourceIcon, QPoint(2, 2)));
+    QVERIFY(!PaintProbe::showsPicture(shown, userIcon, QPoint(2, 2)));
 }
 
 void tst_BkCalendarViewGroup::shouldRelayAgainAtEveryPick()
