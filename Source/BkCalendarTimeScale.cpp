@@ -24,6 +24,15 @@ int minuteOfDay(const QTime& time)
 {
     return time.hour() * 60 + time.minute();
 }
+
+// An end of exactly 00:00 stands for midnight at the end of the day; from midnight to it is the whole
+// day.
+const QTime Midnight(0, 0, 0, 0);
+
+bool isWholeDay(const QTime& start, const QTime& end)
+{
+    return start == Midnight && end == Midnight;
+}
 } // namespace
 
 BkCalendarTimeScale::BkCalendarTimeScale(QGraphicsItem* parent)
@@ -113,11 +122,10 @@ int BkCalendarTimeScale::loops() const
 
 bool BkCalendarTimeScale::inside(QTime start, QTime end) const
 {
-    // The scale's end at 00:00 means midnight at the end of the day; the arguments get no such reading.
-    const QTime midnight(0, 0, 0, 0);
-    if (mStart == midnight && mEnd == midnight)
+    // Only the scale's end gets the midnight reading, not the arguments.
+    if (isWholeDay(mStart, mEnd))
         return true;
-    return (mEnd == midnight || mEnd > start) && mStart < end;
+    return (mEnd == Midnight || mEnd > start) && mStart < end;
 }
 
 void BkCalendarTimeScale::update()
@@ -125,11 +133,9 @@ void BkCalendarTimeScale::update()
     mHourAligned = (60 % mTimeSteps == 0);
     prepareGeometryChange();
 
-    // Midnight to midnight is the whole day, as inside() reads it. The default day rounds up to
-    // exactly that, and every later update (a new step or minute height) has to find the whole day
-    // again instead of a span of nothing.
-    const QTime midnight(0, 0, 0, 0);
-    int minutes = mStart == midnight && mEnd == midnight ? 24 * 60 : minuteOfDay(mEnd) - minuteOfDay(mStart);
+    // The default day rounds up to the whole day, and every later update (a new step or minute
+    // height) has to find the whole day again instead of a span of nothing.
+    int minutes = isWholeDay(mStart, mEnd) ? 24 * 60 : minuteOfDay(mEnd) - minuteOfDay(mStart);
     mLoops = minutes / mTimeSteps;
     const int rest = minutes % mTimeSteps;
     if (rest != 0) {

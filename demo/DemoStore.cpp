@@ -10,9 +10,22 @@
 
 namespace {
 
-const char BookingColumns[] =
-    "id, bk_date, bk_user, bk_resource, bk_start, bk_end, bk_title, bk_text, bk_type, "
-    "bk_flags, bk_status, bk_locked, bk_left, bk_right, bk_top, bk_bottom";
+// The stored columns of a booking but its id, in the order that rowOf reads and valuesOf writes.
+const char* const Fields[] = {"bk_date",   "bk_user", "bk_resource", "bk_start", "bk_end",
+                              "bk_title",  "bk_text", "bk_type",     "bk_flags", "bk_status",
+                              "bk_locked", "bk_left", "bk_right",    "bk_top",   "bk_bottom"};
+const int FieldCount = int(sizeof(Fields) / sizeof(Fields[0]));
+
+// The id if asked for, then the fields: what a query selects for rowOf, or an insert fills.
+QStringList columnsOf(bool withId)
+{
+    QStringList columns;
+    if (withId)
+        columns << QStringLiteral("id");
+    for (const char* field : Fields)
+        columns << QLatin1String(field);
+    return columns;
+}
 
 bool isPostgres()
 {
@@ -75,38 +88,32 @@ bool isShowable(const DemoBookingRow& row)
            row.start <= row.end;
 }
 
-// The stored columns of a booking but its id, in the order of BookingColumns, with the values that
-// a row writes into them.
-QVector<QPair<QString, QVariant>> fieldsOf(const DemoBookingRow& row)
+// The values that a row writes into the fields, in their order.
+QVariantList valuesOf(const DemoBookingRow& row)
 {
     const auto key = [](const QVariant& id) {
         return id.isNull() ? QVariant(QVariant::Int) : QVariant(id.toInt());
     };
-    return {{QStringLiteral("bk_date"), row.date},
-            {QStringLiteral("bk_user"), key(row.userId)},
-            {QStringLiteral("bk_resource"), key(row.resourceId)},
-            {QStringLiteral("bk_start"), timeValue(row.start)},
-            {QStringLiteral("bk_end"), timeValue(row.end)},
-            {QStringLiteral("bk_title"), row.title},
-            {QStringLiteral("bk_text"), row.text},
-            {QStringLiteral("bk_type"), row.type},
-            {QStringLiteral("bk_flags"), row.flags},
-            {QStringLiteral("bk_status"), key(row.statusId)},
-            {QStringLiteral("bk_locked"), row.locked},
-            {QStringLiteral("bk_left"), colourValue(row.leftColor)},
-            {QStringLiteral("bk_right"), colourValue(row.rightColor)},
-            {QStringLiteral("bk_top"), colourValue(row.topColor)},
-            {QStringLiteral("bk_bottom"), colourValue(row.bottomColor)}};
+    return {row.date,
+            key(row.userId),
+            key(row.resourceId),
+            timeValue(row.start),
+            timeValue(row.end),
+            row.title,
+            row.text,
+            row.type,
+            row.flags,
+            key(row.statusId),
+            row.locked,
+            colourValue(row.leftColor),
+            colourValue(row.rightColor),
+            colourValue(row.topColor),
+            colourValue(row.bottomColor)};
 }
 
 bool insertRow(SQLQuery& insert, const DemoBookingRow& row, bool withId)
 {
-    const QVector<QPair<QString, QVariant>> fields = fieldsOf(row);
-    QStringList columns;
-    if (withId)
-        columns << QStringLiteral("id");
-    for (const auto& field : fields)
-        columns << field.first;
+    const QStringList columns = columnsOf(withId);
     QStringList marks;
     for (int i = 0; i < columns.size(); ++i)
         marks << QStringLiteral("?");
@@ -115,8 +122,8 @@ bool insertRow(SQLQuery& insert, const DemoBookingRow& row, bool withId)
                             withId ? QString() : QStringLiteral(" RETURNING id")));
     if (withId)
         insert.addBindValue(row.id);
-    for (const auto& field : fields)
-        insert.addBindValue(field.second);
+    for (const QVariant& value : valuesOf(row))
+        insert.addBindValue(value);
     return insert.exec();
 }
 
@@ -201,7 +208,7 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
     SQLQuery bookings;
     bookings.prepare(QStringLiteral("SELECT %1 FROM demo_booking WHERE %2 = ? AND bk_date BETWEEN ? AND ? "
                                     "ORDER BY bk_date, bk_start, id")
-                         .arg(QLatin1String(BookingColumns),
+                         .arg(columnsOf(true).join(QStringLiteral(", ")),
                               user ? QStringLiteral("bk_user") : QStringLiteral("bk_resource")));
     bookings.addBindValue(who.id.toInt());
     bookings.addBindValue(from);
@@ -260,8 +267,8 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
 std::optional<DemoBookingRow> DemoStore::readRow(int id) const
 {
     SQLQuery query;
-    query.prepare(
-        QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?").arg(QLatin1String(BookingColumns)));
+    query.prepare(QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?")
+                      .arg(columnsOf(true).join(QStringLiteral(", "))));
     query.addBindValue(id);
     if (!query.exec() || !query.next())
         return std::nullopt;
@@ -270,37 +277,40 @@ std::optional<DemoBookingRow> DemoStore::readRow(int id) const
 
 bool DemoStore::writeRow(DemoBookingRow& row)
 {
-    if (row.id > 0) {
-        if (const std::optional<DemoBookingRow> stored = readRow(row.id)) {
-            // Only the columns whose value changed are written. A stored value that the demo cannot
-            // read (a status that is no number, a colour that does not parse) reads as none, and
-            // stays in the file as it is until the user gives that field a value of its own.
-            const QVector<QPair<QString, QVariant>> was = fieldsOf(*stored);
-            const QVector<QPair<QString, QVariant>> now = fieldsOf(row);
-            QStringList sets;
-            QVariantList values;
-            for (int i = 0; i < now.size(); ++i) {
-                if (now.at(i).second != was.at(i).second ||
-                    now.at(i).second.isNull() != was.at(i).second.isNull()) {
-                    sets << now.at(i).first + QStringLiteral(" = ?");
-                    values << now.at(i).second;
-                }
+    return writeRow(row, row.id > 0 ? readRow(row.id) : std::nullopt);
+}
+
+bool DemoStore::writeRow(DemoBookingRow& row, const std::optional<DemoBookingRow>& stored)
+{
+    if (row.id > 0 && stored) {
+        // Only the fields whose value changed are written. A stored value that the demo cannot read
+        // (a status that is no number, a colour that does not parse) reads as none, and stays in the
+        // file as it is until the user gives that field a value of its own.
+        const QVariantList was = valuesOf(*stored);
+        const QVariantList now = valuesOf(row);
+        QStringList sets;
+        QVariantList values;
+        for (int i = 0; i < FieldCount; ++i) {
+            if (now.at(i) != was.at(i) || now.at(i).isNull() != was.at(i).isNull()) {
+                sets << QLatin1String(Fields[i]) + QStringLiteral(" = ?");
+                values << now.at(i);
             }
-            if (sets.isEmpty())
-                return true;
-            SQLQuery update;
-            update.prepare(QStringLiteral("UPDATE demo_booking SET %1 WHERE id = ?")
-                               .arg(sets.join(QStringLiteral(", "))));
-            for (const QVariant& value : qAsConst(values))
-                update.addBindValue(value);
-            update.addBindValue(row.id);
-            return update.exec() || fail(update.lastError().text());
         }
-        // Gone from the table, by a deletion that is being undone: back under its own id.
-        SQLQuery insert;
-        return insertRow(insert, row, true) || fail(insert.lastError().text());
+        if (sets.isEmpty())
+            return true;
+        SQLQuery update;
+        update.prepare(
+            QStringLiteral("UPDATE demo_booking SET %1 WHERE id = ?").arg(sets.join(QStringLiteral(", "))));
+        for (const QVariant& value : qAsConst(values))
+            update.addBindValue(value);
+        update.addBindValue(row.id);
+        return update.exec() || fail(update.lastError().text());
     }
     SQLQuery insert;
+    // A row with an id that is gone from the table, by a deletion that is being undone, comes back
+    // under its own id.
+    if (row.id > 0)
+        return insertRow(insert, row, true) || fail(insert.lastError().text());
     if (!insertRow(insert, row, false) || !insert.next())
         return fail(insert.lastError().text());
     row.id = insert.value(0).toInt();
@@ -326,8 +336,9 @@ void DemoStore::saveItems(const QList<BkCalendarItem*>& items)
     for (int i = 0; ok && i < items.size(); ++i) {
         BkCalendarItem* item = items.at(i);
         DemoBookingRow row = DemoBookingRow::fromItem(item);
-        before << (row.id > 0 ? readRow(row.id).value_or(DemoBookingRow()) : DemoBookingRow());
-        ok = writeRow(row);
+        const std::optional<DemoBookingRow> stored = row.id > 0 ? readRow(row.id) : std::nullopt;
+        before << stored.value_or(DemoBookingRow());
+        ok = writeRow(row, stored);
         after << row;
     }
     ok = ok && (db.commit() || fail(db.lastError().text()));

@@ -54,6 +54,8 @@ signals:
 
 private:
     bool fail(const QString& why);
+    // As writeRow, with the row as the table holds it now, read by the caller.
+    bool writeRow(DemoBookingRow& row, const std::optional<DemoBookingRow>& stored);
 
     BkCalendarModel* mModel;
     QString mError;

@@ -72,6 +72,17 @@ bool writeBack(const QString& file, const QString& sql, int id)
     return ok;
 }
 
+// A new booking of this Wednesday, as the booking dialog hands it over.
+DemoBookingRow wednesdayRow(const QTime& start, const QTime& end, const QString& title)
+{
+    DemoBookingRow row;
+    row.date = Wednesday;
+    row.start = start;
+    row.end = end;
+    row.title = title;
+    return row;
+}
+
 int countRows(const QString& file, const QString& sql)
 {
     int result = -1;
@@ -275,12 +286,8 @@ void tst_DemoApp::shouldWriteCreationEditDeletionAndTheirUndo()
     BkCalendarModel* model = window.calendar()->model();
     const QString titleSql = QStringLiteral("SELECT bk_title FROM demo_booking WHERE id = ?");
 
-    DemoBookingRow row;
-    row.date = Wednesday;
-    row.start = QTime(16, 0);
-    row.end = QTime(16, 30);
-    row.title = QStringLiteral("Created");
-    BkCalendarItem* item = window.createBooking(Anna, row);
+    BkCalendarItem* item =
+        window.createBooking(Anna, wednesdayRow(QTime(16, 0), QTime(16, 30), QStringLiteral("Created")));
     QVERIFY(item);
     const int id = item->id.toInt();
     QVERIFY(id > 0);
@@ -335,12 +342,8 @@ void tst_DemoApp::shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges()
         DemoWindow window(1);
         window.showView(DemoWindow::Day);
         window.calendar()->setDate(Wednesday);
-        DemoBookingRow row;
-        row.date = Wednesday;
-        row.start = QTime(16, 30);
-        row.end = QTime(16, 45);
-        row.title = QStringLiteral("Raw");
-        BkCalendarItem* item = window.createBooking(Anna, row);
+        BkCalendarItem* item =
+            window.createBooking(Anna, wednesdayRow(QTime(16, 30), QTime(16, 45), QStringLiteral("Raw")));
         QVERIFY(item);
         id = item->id.toInt();
     }
