@@ -4,6 +4,7 @@
 #include "FwEnums.h"
 #include "FwWidgetsGlobal.h"
 
+#include <QHash>
 #include <QObject>
 #include <QSqlDatabase>
 #include <QVariant>
@@ -37,7 +38,9 @@ public:
     // Inserts a record from the fields and makes it the current one. Returns its id, or the int
     // -1 when the insert failed (lastError says why).
     QVariant insertCurrent();
-    // Writes the fields into the current record.
+    // Writes the fields into the current record. A field that still shows what was loaded into it
+    // writes the stored value back as it was, so that a value the field can't show as it is (a
+    // colour in another form, a text longer than the field takes) isn't lost by saving another.
     bool updateCurrent();
     // Finds the first record (by id) whose fields match the contents of the filled fields and
     // loads it. Text fields match where they contain the text, or equal it with `exactMatch`;
@@ -68,11 +71,20 @@ private:
     void fail(const QString& error, int line);
     bool takeFirstRow(QSqlQuery& query, const QList<QWidget*>& bound, bool clearWhenEmpty);
     void setCurrent(const QVariant& id);
+    void noteShown(const QList<QWidget*>& bound, const QVariantList& stored);
+
+    // What a field of the current record was given and what it showed of it, by field name.
+    struct Shown
+    {
+        QVariant stored;
+        QVariant shown;
+    };
 
     QWidget* mForm;
     QString mTableName;
     QString mIdField;
     QVariant mId;
+    QHash<QString, Shown> mShown;
     QString mLastError;
 };
 

@@ -43,6 +43,12 @@ void setValueOf(QWidget* field, const QVariant& value)
         picker->setColorName(value.toString());
 }
 
+// Null stays apart from the empty text: a field shows both as empty, but they are stored differently.
+bool sameValue(const QVariant& a, const QVariant& b)
+{
+    return a.isNull() == b.isNull() && a.toString() == b.toString();
+}
+
 // Escapes the wildcards of LIKE so that user text matches only itself.
 QString likeEscaped(const QString& text)
 {
@@ -136,7 +142,16 @@ void FwTableBase::fail(const QString& error, int line)
 void FwTableBase::setCurrent(const QVariant& id)
 {
     mId = id;
+    if (mId.isNull())
+        mShown.clear();
     emit currentChanged(mId);
+}
+
+void FwTableBase::noteShown(const QList<QWidget*>& bound, const QVariantList& stored)
+{
+    mShown.clear();
+    for (int i = 0; i < bound.size() && i < stored.size(); ++i)
+        mShown.insert(fieldNameOf(bound.at(i)), Shown{stored.at(i), valueOf(bound.at(i))});
 }
 
 bool FwTableBase::setVariantId(QVariant id)
@@ -190,8 +205,11 @@ QVariant FwTableBase::insertCurrent()
 
     QSqlQuery query(db);
     query.prepare(statement);
-    for (const QWidget* field : bound)
-        query.addBindValue(valueOf(field));
+    QVariantList values;
+    for (const QWidget* field : bound) {
+        values.append(valueOf(field));
+        query.addBindValue(values.last());
+    }
     if (!query.exec()) {
         fail(query.lastError().text(), __LINE__);
         return failed;
@@ -204,6 +222,7 @@ QVariant FwTableBase::insertCurrent()
     id = normalizedId(id);
     mLastError.clear();
     setCurrent(id);
+    noteShown(bound, values);
     return id;
 }
 
@@ -219,14 +238,22 @@ bool FwTableBase::updateCurrent()
     if (bound.isEmpty())
         return true;
     QStringList assignments;
-    for (const QWidget* field : bound)
-        assignments.append(QStringLiteral("%1 = ?").arg(fieldNameOf(field)));
+    QVariantList values;
+    for (const QWidget* field : bound) {
+        const QString name = fieldNameOf(field);
+        assignments.append(QStringLiteral("%1 = ?").arg(name));
+        QVariant value = valueOf(field);
+        const auto shown = mShown.constFind(name);
+        if (shown != mShown.constEnd() && sameValue(value, shown->shown))
+            value = shown->stored;
+        values.append(value);
+    }
 
     QSqlQuery query(defaultDatabase());
     query.prepare(QStringLiteral("UPDATE %1 SET %2 WHERE %3 = ?")
                       .arg(mTableName, assignments.join(QLatin1Char(',')), mIdField));
-    for (const QWidget* field : bound)
-        query.addBindValue(valueOf(field));
+    for (const QVariant& value : qAsConst(values))
+        query.addBindValue(value);
     query.addBindValue(mId);
     if (!query.exec()) {
         fail(query.lastError().text(), __LINE__);
@@ -237,6 +264,7 @@ bool FwTableBase::updateCurrent()
         return false;
     }
     mLastError.clear();
+    noteShown(bound, values);
     return true;
 }
 
@@ -309,10 +337,14 @@ bool FwTableBase::takeFirstRow(QSqlQuery& query, const QList<QWidget*>& bound, b
         emit queryEmpty();
         return false;
     }
-    for (int i = 0; i < bound.size(); ++i)
-        setValueOf(bound.at(i), query.value(i + 1));
+    QVariantList stored;
+    for (int i = 0; i < bound.size(); ++i) {
+        stored.append(query.value(i + 1));
+        setValueOf(bound.at(i), stored.last());
+    }
     mLastError.clear();
     setCurrent(normalizedId(query.value(0)));
+    noteShown(bound, stored);
     return true;
 }
 

@@ -152,6 +152,8 @@ private slots:
     void shouldUpdateAndClose();
     void shouldLogAndStayOnAnEmptyNameInEdit();
     void shouldAcceptAFailedUpdateUnlessStaying();
+    void shouldKeepStoredValuesThatItCannotShowOnSave_data();
+    void shouldKeepStoredValuesThatItCannotShowOnSave();
     void shouldTakeItsMessageAwayWhenItGoes();
 };
 
@@ -681,6 +683,61 @@ void tst_BkCalendarStatus::shouldAcceptAFailedUpdateUnlessStaying()
     QSignalSpy finished(&staying, &QDialog::finished);
     QVERIFY(!staying.updateRecord());
     QCOMPARE(finished.count(), 0);
+}
+
+void tst_BkCalendarStatus::shouldKeepStoredValuesThatItCannotShowOnSave_data()
+{
+    QTest::addColumn<QString>("storedName");
+    QTest::addColumn<QString>("storedColor");
+    QTest::addColumn<QString>("newName");
+    QTest::addColumn<QString>("newColor");
+    QTest::addColumn<QString>("expected");
+    const QString longName(300, QLatin1Char('n'));
+    QTest::newRow("colour the picker can't read, name edited")
+        << QStringLiteral("Confirmed") << QStringLiteral("greenish") << QStringLiteral("Fixed") << QString()
+        << QStringLiteral("Fixed=greenish");
+    QTest::newRow("colour with transparency, name edited")
+        << QStringLiteral("Confirmed") << QStringLiteral("#80ff0000") << QStringLiteral("Fixed") << QString()
+        << QStringLiteral("Fixed=#80ff0000");
+    QTest::newRow("colour by name, name edited")
+        << QStringLiteral("Confirmed") << QStringLiteral("red") << QStringLiteral("Fixed") << QString()
+        << QStringLiteral("Fixed=red");
+    QTest::newRow("name longer than the field, colour edited")
+        << longName << QStringLiteral("#00aa00") << QString() << QStringLiteral("#123456")
+        << longName + QStringLiteral("=#123456");
+    QTest::newRow("what the user changes is written")
+        << QStringLiteral("Confirmed") << QStringLiteral("greenish") << QStringLiteral("Fixed")
+        << QStringLiteral("#123456") << QStringLiteral("Fixed=#123456");
+}
+
+// Rows come from outside: a value that the fields can't show as it is stays in the record unless
+// the user changes that very field.
+void tst_BkCalendarStatus::shouldKeepStoredValuesThatItCannotShowOnSave()
+{
+    QFETCH(QString, storedName);
+    QFETCH(QString, storedColor);
+    QFETCH(QString, newName);
+    QFETCH(QString, newColor);
+    QFETCH(QString, expected);
+    SQLQuery store;
+    QVERIFY(store.prepare(
+        QStringLiteral("UPDATE tbl_calendarstatus SET cst_name = ?, cst_color = ? WHERE id = 1")));
+    store.addBindValue(storedName);
+    store.addBindValue(storedColor);
+    QVERIFY(store.exec());
+
+    BkCalendarStatus dialog(FwEnums::DialogEdit);
+    dialog.setId(1);
+    const FwTest::DialogRun run = FwTest::runDialog(dialog, [&] {
+        if (!newName.isEmpty())
+            typeName(dialog, newName);
+        if (!newColor.isEmpty())
+            colorPicker(dialog)->setColor(QColor(newColor));
+        QTest::mouseClick(createButton(dialog), Qt::LeftButton);
+    });
+    QVERIFY(!run.openAfterGestures);
+    QCOMPARE(run.result, 1);
+    QCOMPARE(records().first(), expected);
 }
 
 void tst_BkCalendarStatus::shouldTakeItsMessageAwayWhenItGoes()
