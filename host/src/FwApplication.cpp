@@ -3,6 +3,7 @@
 #include "FwLog.h"
 #include "FwMainWindow.h"
 
+#include <QDataStream>
 #include <QDateTime>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -32,22 +33,76 @@ QSqlDatabase openDatabase()
     return db.isOpen() ? db : QSqlDatabase();
 }
 
-// The text form of a setting, readable and editable by anyone who looks into the table. Lists are
-// kept as a JSON array so that commas inside the entries survive.
+// Types whose text is the value itself: they are kept as text, which anyone who looks into the table
+// can read and edit.
+bool hasTextForm(int type)
+{
+    switch (type) {
+    case QMetaType::UnknownType:
+    case QMetaType::QString:
+    case QMetaType::QStringList:
+    case QMetaType::QByteArray:
+    case QMetaType::QChar:
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+    case QMetaType::QDate:
+    case QMetaType::QTime:
+    case QMetaType::QDateTime:
+        return true;
+    default:
+        return false;
+    }
+}
+
+const QDataStream::Version StreamVersion = QDataStream::Qt_5_15;
+
+// The text form of a setting. Lists are kept as a JSON array so that commas inside the entries
+// survive. Values without a text of their own (lists of values, maps, sizes, colours, ...) would come
+// back empty or changed from their text, so they are kept in Qt's stream form, in base64.
 QString textOf(const QVariant& value)
 {
     if (value.userType() == QMetaType::QStringList)
         return QString::fromUtf8(
             QJsonDocument(QJsonArray::fromStringList(value.toStringList())).toJson(QJsonDocument::Compact));
-    return value.toString();
+    if (hasTextForm(value.userType()))
+        return value.toString();
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out.setVersion(StreamVersion);
+    out << value;
+    return QString::fromLatin1(bytes.toBase64());
+}
+
+// A value kept in stream form, or an invalid one when the text isn't the stream of a value of `type`.
+QVariant streamedValue(const QString& text, int type)
+{
+    const QByteArray::FromBase64Result decoded =
+        QByteArray::fromBase64Encoding(text.toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
+    if (!decoded || decoded.decoded.isEmpty())
+        return QVariant();
+    QDataStream in(decoded.decoded);
+    in.setVersion(StreamVersion);
+    QVariant value;
+    in >> value;
+    if (in.status() != QDataStream::Ok || !in.atEnd() || value.userType() != type)
+        return QVariant();
+    return value;
 }
 
 // The stored text turned back into a value of the type it was written with. Rows come from outside
 // the process: a type we don't know or a text that doesn't convert gives the plain text.
 QVariant valueOf(const QVariant& text, int type)
 {
-    if (text.isNull())
-        return type == QMetaType::QString ? QVariant(QVariant::String) : QVariant();
+    if (text.isNull()) {
+        // A null of a known type stays a null of that type, as it was written.
+        if (type != QMetaType::UnknownType && QMetaType::isRegistered(type) && QMetaType::sizeOf(type) > 0)
+            return QVariant(type, nullptr);
+        return QVariant();
+    }
     const QString string = text.toString();
     switch (type) {
     case QMetaType::QStringList: {
@@ -75,6 +130,11 @@ QVariant valueOf(const QVariant& text, int type)
         return string;
     }
     default:
+        if (!hasTextForm(type) && QMetaType::isRegistered(type)) {
+            const QVariant streamed = streamedValue(string, type);
+            if (streamed.isValid())
+                return streamed;
+        }
         return string;
     }
 }

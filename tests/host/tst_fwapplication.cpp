@@ -67,6 +67,14 @@ void tst_FwApplication::shouldReadBackWhatWasSet_data()
                                  << QStringLiteral("tbl_user");
     QTest::newRow("bool") << QVariant(true) << QStringLiteral("tbl_global");
     QTest::newRow("empty string") << QVariant(QString()) << QString();
+    // Values without a text form of their own come back as they went in, as they do from memory.
+    QTest::newRow("list") << QVariant(QVariantList{1, QStringLiteral("x")}) << QStringLiteral("tbl_user");
+    QTest::newRow("map") << QVariant(QVariantMap{{QStringLiteral("a"), 1}}) << QString();
+    QTest::newRow("size") << QVariant(QSize(3, 4)) << QString();
+    QTest::newRow("null int") << QVariant(QVariant::Int) << QString();
+    QTest::newRow("bytes with a zero") << QVariant(QByteArray("a\0b", 3)) << QString();
+    QTest::newRow("date and time") << QVariant(QDateTime(QDate(2024, 2, 29), QTime(1, 2, 3, 456)))
+                                   << QString();
 }
 
 void tst_FwApplication::shouldReadBackWhatWasSet()
@@ -236,6 +244,11 @@ void tst_FwApplication::shouldReadMalformedRowsAsText_data()
     QTest::newRow("type not a number")
         << QStringLiteral("1") << QVariant(QStringLiteral("x")) << QVariant(QStringLiteral("1"));
     QTest::newRow("no type") << QStringLiteral("2") << QVariant() << QVariant(QStringLiteral("2"));
+    QTest::newRow("list of values by hand")
+        << QStringLiteral("1,x") << QVariant(int(QMetaType::QVariantList)) << QVariant(QStringLiteral("1,x"));
+    QTest::newRow("size in another stream")
+        << QStringLiteral("AAAAFQAAAAADAAAABA==") << QVariant(int(QMetaType::QVariantMap))
+        << QVariant(QStringLiteral("AAAAFQAAAAADAAAABA=="));
 }
 
 void tst_FwApplication::shouldReadMalformedRowsAsText()
