@@ -12,6 +12,7 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -64,12 +65,46 @@ QSqlDatabase defaultDatabase()
     return QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false);
 }
 
-// Ids are plain numbers wherever the framework passes them on.
+// Ids are plain numbers wherever the framework passes them on. Only an id that is a whole number
+// already becomes an int: a fractional id or a text such as "007" names its own record, and read as
+// a number it would name another one.
 QVariant normalizedId(const QVariant& id)
 {
-    bool ok = false;
-    const qlonglong number = id.toLongLong(&ok);
-    if (ok && number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max())
+    qlonglong number = 0;
+    switch (id.userType()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::ULong:
+    case QMetaType::LongLong:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+        number = id.toLongLong();
+        break;
+    case QMetaType::ULongLong:
+        if (id.toULongLong() > qulonglong(std::numeric_limits<int>::max()))
+            return id;
+        number = id.toLongLong();
+        break;
+    case QMetaType::Double:
+    case QMetaType::Float: {
+        const double value = id.toDouble();
+        if (!std::isfinite(value) || std::trunc(value) != value || std::abs(value) > 1e15)
+            return id;
+        number = qlonglong(value);
+        break;
+    }
+    case QMetaType::QString: {
+        bool ok = false;
+        number = id.toString().toLongLong(&ok);
+        if (!ok || QString::number(number) != id.toString())
+            return id;
+        break;
+    }
+    default:
+        return id;
+    }
+    if (number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max())
         return QVariant(int(number));
     return id;
 }

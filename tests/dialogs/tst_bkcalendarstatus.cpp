@@ -154,14 +154,18 @@ private slots:
     void shouldAcceptAFailedUpdateUnlessStaying();
     void shouldKeepStoredValuesThatItCannotShowOnSave_data();
     void shouldKeepStoredValuesThatItCannotShowOnSave();
+    void shouldKeepRecordIdsThatAreNoPlainNumbers_data();
+    void shouldKeepRecordIdsThatAreNoPlainNumbers();
     void shouldTakeItsMessageAwayWhenItGoes();
 };
 
+// Names are unique, so that a second status of the same name fails to be written.
+const char* const StatusTable = "CREATE TABLE tbl_calendarstatus (id INTEGER PRIMARY KEY, "
+                                "cst_name VARCHAR(250) NOT NULL UNIQUE, cst_color VARCHAR(7))";
+
 void tst_BkCalendarStatus::initTestCase()
 {
-    // Names are unique, so that a second status of the same name fails to be written.
-    QVERIFY(sql(QStringLiteral("CREATE TABLE tbl_calendarstatus (id INTEGER PRIMARY KEY, "
-                               "cst_name VARCHAR(250) NOT NULL UNIQUE, cst_color VARCHAR(7))")));
+    QVERIFY(sql(QLatin1String(StatusTable)));
 }
 
 void tst_BkCalendarStatus::init()
@@ -738,6 +742,63 @@ void tst_BkCalendarStatus::shouldKeepStoredValuesThatItCannotShowOnSave()
     QVERIFY(!run.openAfterGestures);
     QCOMPARE(run.result, 1);
     QCOMPARE(records().first(), expected);
+}
+
+void tst_BkCalendarStatus::shouldKeepRecordIdsThatAreNoPlainNumbers_data()
+{
+    QTest::addColumn<QString>("idType");
+    QTest::addColumn<QVariant>("id");
+    QTest::addColumn<QVariant>("neighbour");
+    QTest::newRow("fractional id") << QStringLiteral("NUMERIC") << QVariant(2.5) << QVariant(3);
+    QTest::newRow("text id with leading zeros")
+        << QStringLiteral("TEXT") << QVariant(QStringLiteral("007")) << QVariant(QStringLiteral("7"));
+}
+
+// Another program's table may key its statuses otherwise than by whole numbers. The record found is
+// the one that is chosen and saved, not the one whose id looks the same as a whole number.
+void tst_BkCalendarStatus::shouldKeepRecordIdsThatAreNoPlainNumbers()
+{
+    QFETCH(QString, idType);
+    QFETCH(QVariant, id);
+    QFETCH(QVariant, neighbour);
+    struct Restore
+    {
+        ~Restore()
+        {
+            sql(QStringLiteral("DROP TABLE tbl_calendarstatus"));
+            sql(QLatin1String(StatusTable));
+        }
+    } restore;
+    QVERIFY(sql(QStringLiteral("DROP TABLE tbl_calendarstatus")));
+    QVERIFY(sql(QStringLiteral("CREATE TABLE tbl_calendarstatus (id %1 PRIMARY KEY, cst_name VARCHAR(250), "
+                               "cst_color VARCHAR(7))")
+                    .arg(idType)));
+    SQLQuery insert;
+    QVERIFY(insert.prepare(
+        QStringLiteral("INSERT INTO tbl_calendarstatus VALUES (?, ?, '#00aa00'), (?, ?, '#ffcc00')")));
+    insert.addBindValue(id);
+    insert.addBindValue(QStringLiteral("Odd"));
+    insert.addBindValue(neighbour);
+    insert.addBindValue(QStringLiteral("Plain"));
+    QVERIFY(insert.exec());
+
+    BkCalendarStatus finder(FwEnums::DialogFind);
+    FwTest::DialogRun run = FwTest::runDialog(finder, [&] {
+        QTest::keyClicks(nameEdit(finder), QStringLiteral("Odd"));
+        QTest::mouseClick(createButton(finder), Qt::LeftButton);
+    });
+    QCOMPARE(run.result, 1);
+    QCOMPARE(finder.id().toString(), id.toString());
+
+    BkCalendarStatus editor(FwEnums::DialogFind);
+    editor.setStay(true);
+    run = FwTest::runDialog(editor, [&] {
+        QTest::keyClicks(nameEdit(editor), QStringLiteral("Odd"));
+        QTest::mouseClick(createButton(editor), Qt::LeftButton);
+        typeName(editor, QStringLiteral("Odder"));
+        QTest::mouseClick(createButton(editor), Qt::LeftButton);
+    });
+    QCOMPARE(records(), (QStringList{QStringLiteral("Odder=#00aa00"), QStringLiteral("Plain=#ffcc00")}));
 }
 
 void tst_BkCalendarStatus::shouldTakeItsMessageAwayWhenItGoes()
