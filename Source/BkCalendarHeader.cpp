@@ -9,7 +9,6 @@
 #include <QApplication>
 #include <QBrush>
 #include <QCursor>
-#include <QFile>
 #include <QFont>
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneMouseEvent>
@@ -22,25 +21,40 @@
 #include <QPainter>
 #include <QPalette>
 #include <QPen>
+#include <QResource>
 #include <QStringList>
 
 namespace {
 
-// Every header paints its pictures at each repaint, and decoding them anew was most of its paint; they
-// do not change while the library is loaded, so each is decoded once. A picture that is not there is
-// looked for again at the next paint, as a host may register it later.
+// Every header paints its pictures at each repaint, and decoding them anew was most of its paint. A
+// picture is the one registered at the time of the paint, though: a host may register its icons
+// late, take them back or register others under the same place. So the decoded image is kept with
+// the bytes it came from, and used again only while the resource holds those same bytes; comparing
+// them costs little next to decoding.
 QImage picture(const QString& path)
 {
-    static QHash<QString, QImage> decoded;
-    const auto known = decoded.constFind(path);
-    if (known != decoded.constEnd())
-        return *known;
-    // Asking whether the file is there is cheap; trying to read a missing one is not.
-    if (!QFile::exists(path))
+    struct Decoded
+    {
+        QByteArray bytes;
+        QImage image;
+    };
+    static QHash<QString, Decoded> decoded;
+    const QResource resource(path);
+    if (!resource.isValid() || !resource.data() || resource.size() <= 0) {
+        decoded.remove(path);
         return QImage();
+    }
+    const QByteArray bytes =
+        QByteArray::fromRawData(reinterpret_cast<const char*>(resource.data()), int(resource.size()));
+    const auto known = decoded.constFind(path);
+    if (known != decoded.constEnd() && known->bytes == bytes)
+        return known->image;
     const QImage image(path);
-    if (!image.isNull())
-        decoded.insert(path, image);
+    if (image.isNull())
+        decoded.remove(path);
+    else
+        // A deep copy: the registered bytes go when the host takes the resource back.
+        decoded.insert(path, Decoded{QByteArray(bytes.constData(), bytes.size()), image});
     return image;
 }
 

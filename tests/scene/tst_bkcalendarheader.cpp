@@ -78,6 +78,7 @@ private slots:
     void shouldDrawAResourceInLilacWithoutTheHostsIcon();
     void shouldDrawNoIconWithoutAResourceId();
     void shouldShowAResourceIconThatAHostRegistersLater();
+    void shouldDropAResourceIconThatTheHostTakesBack();
     void shouldUseTheStandardColoursWithoutAScheme();
     void shouldLetMouseEventsThroughToTheItem();
 };
@@ -330,7 +331,7 @@ void tst_BkCalendarHeader::shouldDrawNoIconWithoutAResourceId()
     QVERIFY(showsPicture(paintHeader(header), QImage(QStringLiteral(":/calendar/user.png")), QPoint(2, 2)));
 }
 
-// The header's pictures are read once, but one that is missing is looked for again at each paint.
+// A picture that is missing is looked for again at each paint.
 void tst_BkCalendarHeader::shouldShowAResourceIconThatAHostRegistersLater()
 {
     BkCalendarColorScheme scheme;
@@ -342,6 +343,31 @@ void tst_BkCalendarHeader::shouldShowAResourceIconThatAHostRegistersLater()
 
     QVERIFY(QResource::registerResource(QStringLiteral(FWCALENDAR_HOST_ICONS)));
     QVERIFY(showsPicture(paintHeader(header), icon, QPoint(2, 2)));
+    QVERIFY(showsPicture(paintHeader(header), icon, QPoint(2, 2)));
+    QVERIFY(QResource::unregisterResource(QStringLiteral(FWCALENDAR_HOST_ICONS)));
+}
+
+// The picture is the one registered at the time of the paint: once the host takes it back, the
+// corner is plain again, and registered anew it shows again.
+void tst_BkCalendarHeader::shouldDropAResourceIconThatTheHostTakesBack()
+{
+    BkCalendarColorScheme scheme;
+    BkCalendarHeader header(nullptr);
+    showResource(header, scheme);
+    const QImage icon(QStringLiteral(":/calendar/kexi.png"));
+    QVERIFY(!icon.isNull());
+
+    QVERIFY(QResource::registerResource(QStringLiteral(FWCALENDAR_HOST_ICONS)));
+    QVERIFY(showsPicture(paintHeader(header), icon, QPoint(2, 2)));
+    QVERIFY(QResource::unregisterResource(QStringLiteral(FWCALENDAR_HOST_ICONS)));
+
+    const QImage image = paintHeader(header);
+    QVERIFY(!showsPicture(image, icon, QPoint(2, 2)));
+    for (int y = 2; y < 10; ++y)
+        for (int x = 2; x < 18; ++x)
+            QVERIFY(same(at(image, x, y), scheme.resourceHeader));
+
+    QVERIFY(QResource::registerResource(QStringLiteral(FWCALENDAR_HOST_ICONS)));
     QVERIFY(showsPicture(paintHeader(header), icon, QPoint(2, 2)));
     QVERIFY(QResource::unregisterResource(QStringLiteral(FWCALENDAR_HOST_ICONS)));
 }
