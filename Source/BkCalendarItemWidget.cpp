@@ -149,8 +149,18 @@ int BkCalendarItemWidget::type() const
 
 bool BkCalendarItemWidget::Colours::sameAs(const Colours& other) const
 {
-    // QColor compares colours of extended range only roughly; those always count as changed.
-    auto same = [](const QColor& a, const QColor& b) { return a == b && a.spec() != QColor::ExtendedRgb; };
+    // QColor compares colours of extended range, and those given by hue, saturation and lightness,
+    // only roughly: two of them a hair apart count as equal, yet give other pixels. Colours of extended
+    // range always count as changed; the others of the two are compared by their own components.
+    auto same = [](const QColor& a, const QColor& b) {
+        if (a.spec() == QColor::ExtendedRgb || b.spec() == QColor::ExtendedRgb)
+            return false;
+        if (a.spec() == QColor::Hsl || b.spec() == QColor::Hsl)
+            return a.spec() == b.spec() && a.hslHueF() == b.hslHueF() &&
+                   a.hslSaturationF() == b.hslSaturationF() && a.lightnessF() == b.lightnessF() &&
+                   a.alphaF() == b.alphaF();
+        return a == b;
+    };
     return scheme == other.scheme && same(fillTop, other.fillTop) && same(fillBottom, other.fillBottom) &&
            same(selectedTop, other.selectedTop) && same(selectedBottom, other.selectedBottom) &&
            same(outline, other.outline);

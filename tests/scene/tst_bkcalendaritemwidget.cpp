@@ -33,6 +33,7 @@ private slots:
     void shouldCopyGradientForSelectionWithoutScheme();
     void shouldDeriveBorderFromBottomColour();
     void shouldTakeNewColoursAtTheNextRefresh();
+    void shouldTakeAnHslColourThatQtCallsEqual();
     void shouldIgnoreChangesOfOtherBookings();
     void shouldForgetBookingWhenRemovedAndRefuseEveryChange();
     void shouldIgnoreRemovalOfOtherBooking();
@@ -311,6 +312,38 @@ void tst_BkCalendarItemWidget::shouldTakeNewColoursAtTheNextRefresh()
     item.bottomColor = QColor::fromHsv(100, 100, 100);
     widget.itemChanged(&item);
     QCOMPARE(widget.border(), QColor::fromHsv(100, 100, 90, 255));
+}
+
+// QColor compares colours given by hue, saturation and lightness only roughly: two such colours a
+// hair apart count as equal, yet they give other pixels. The box must show the colour it was given.
+void tst_BkCalendarItemWidget::shouldTakeAnHslColourThatQtCallsEqual()
+{
+    const QColor first = QColor::fromHslF(0.0, 20000 / 65535.0, 20970 / 65535.0);
+    const QColor second = QColor::fromHslF(0.0, 20000 / 65535.0, 21010 / 65535.0);
+    QVERIFY(first == second);
+    QCOMPARE(first.rgb(), qRgb(0x6a, 0x39, 0x39));
+    QCOMPARE(second.rgb(), qRgb(0x6b, 0x39, 0x39));
+
+    BkColumnFixture fixture;
+    BkCalendarItem item;
+    item.topColor = first;
+    item.bottomColor = first;
+    item.setTime(QTime(9, 0), QTime(10, 0));
+    BkCalendarItemWidget widget(&item, fixture.scale, nullptr);
+    QCOMPARE(widget.gradient().stops().at(0).second.rgb(), first.rgb());
+    QCOMPARE(widget.gradient().stops().at(1).second.rgb(), first.rgb());
+
+    item.topColor = second;
+    item.bottomColor = second;
+    widget.itemChanged(&item);
+    QCOMPARE(widget.gradient().stops().at(0).second.rgb(), second.rgb());
+    QCOMPARE(widget.gradient().stops().at(1).second.rgb(), second.rgb());
+    QCOMPARE(widget.selectedGradient().stops().at(0).second.rgb(), second.rgb());
+    int hue = 0;
+    int saturation = 0;
+    int value = 0;
+    second.getHsv(&hue, &saturation, &value);
+    QCOMPARE(widget.border().rgb(), QColor::fromHsv(hue, saturation, value - 10, 255).rgb());
 }
 
 void tst_BkCalendarItemWidget::shouldIgnoreChangesOfOtherBookings()
