@@ -72,6 +72,25 @@ void forgetOtherBox(const BkCalendarItem* item, BkCalendarItemWidget* box)
         table.erase(found);
 }
 
+// The booking's text kept from one paint to the next. A document keeps what it has read, pictures
+// and style sheets, and lays itself out to their sizes; the files may change or appear between paints,
+// so a document that has read anything is not kept.
+class KeptTextDocument : public FwTextDocument
+{
+public:
+    bool hasRead() const { return mRead; }
+
+protected:
+    QVariant loadResource(int type, const QUrl& name) override
+    {
+        mRead = true;
+        return FwTextDocument::loadResource(type, name);
+    }
+
+private:
+    bool mRead = false;
+};
+
 } // namespace
 
 BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeScale* scale,
@@ -532,8 +551,9 @@ void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, c
     painter->save();
     painter->translate(origin);
     painter->setClipRect(clip, Qt::ReplaceClip);
-    if (!mTextLayout || mLaidOutText != mItem->text() || mLaidOutFont != font) {
-        mTextLayout = std::make_unique<FwTextDocument>(nullptr);
+    if (!mTextLayout || static_cast<KeptTextDocument*>(mTextLayout.get())->hasRead() ||
+        mLaidOutText != mItem->text() || mLaidOutFont != font) {
+        mTextLayout = std::make_unique<KeptTextDocument>();
         mTextLayout->setDefaultFont(font);
         mTextLayout->setDocumentMargin(0);
         mTextLayout->setRichText(mItem->text());

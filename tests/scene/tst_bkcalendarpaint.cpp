@@ -3,11 +3,14 @@
 #include "BkColumnFixture.h"
 
 #include <FwTestApplication.h>
+#include <PaintProbe.h>
 
 #include <QDir>
+#include <QFile>
 #include <QGraphicsView>
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <limits>
@@ -108,6 +111,7 @@ private slots:
     void shouldPutTimeLineAboveTitleWhenSettingIsOne();
     void shouldWriteTheTimesAnewWhenTheBookingMoves();
     void shouldBreakTheTextAnewWhenTheBoxChangesWidth();
+    void shouldShowThePictureOfItsTextAsItIsAtEachPaint();
     void shouldStartTextOnlyAtTopWithoutTime();
     void shouldShowMeetingInPlaceOfTitle();
     void shouldPaintEveryOtherKindAsAPlainBooking();
@@ -260,6 +264,40 @@ void tst_BkCalendarPaint::shouldBreakTheTextAnewWhenTheBoxChangesWidth()
         QCOMPARE(paintItem(item->widget), expected);
     }
     QCOMPARE(paintItem(item->widget), wide);
+}
+
+// A picture in a booking's text is read as it is at each paint, as a box that lays out its text for
+// the first time reads it: one that appears, changes or goes after an earlier paint counts at once.
+void tst_BkCalendarPaint::shouldShowThePictureOfItsTextAsItIsAtEachPaint()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString path = dir.filePath(QStringLiteral("picture.png"));
+    const QString text = QStringLiteral("<img src=\"%1\"> with a picture").arg(path);
+    BkColumnFixture fixture(false, 105.0);
+    BkCalendarItem* kept = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    kept->setText(text);
+    paintItem(kept->widget); // no picture yet
+
+    const QList<QColor> colours = {QColor(255, 0, 0), QColor(0, 0, 255)};
+    for (const QColor& colour : colours) {
+        QImage picture(40, 30, QImage::Format_ARGB32);
+        picture.fill(colour);
+        QVERIFY(picture.save(path));
+        // A box of an equal booking, painted for the first time, shows the picture as the file has it.
+        BkCalendarItem* fresh = fixture.addItem(QTime(12, 0), QTime(13, 0), 2);
+        fresh->setText(text);
+        QCOMPARE(fresh->widget->boundingRect(), kept->widget->boundingRect());
+        const QImage expected = paintItem(fresh->widget);
+        QCOMPARE(PaintProbe::inkCount(expected, colour), 40 * 30);
+        QVERIFY(paintItem(kept->widget) == expected);
+        fixture.model.removeItem(fresh);
+        delete fresh;
+        BkColumnFixture::flushDeletes();
+        QVERIFY(QFile::remove(path));
+    }
+    // Gone again: the box no longer shows the last picture.
+    QCOMPARE(PaintProbe::inkCount(paintItem(kept->widget), colours.last()), 0);
 }
 
 void tst_BkCalendarPaint::shouldStartTextOnlyAtTopWithoutTime()
