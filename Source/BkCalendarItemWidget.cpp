@@ -712,9 +712,11 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
     font.setWeight(50);
     painter->setFont(font);
 
-    // Text only starts at the very top of the box; the others below their title.
+    // Text only starts at the very top of the box; the others below their title. The text replaces the
+    // painter's clip with its own, so only the window's repaint region limits what it can reach.
     if (r.width() > 0.0)
-        drawRichText(painter, r, font, QPointF(textX, type == BkCalendarItem::TextOnly ? 0.0 : r.y()), reach);
+        drawRichText(painter, r, font, QPointF(textX, type == BkCalendarItem::TextOnly ? 0.0 : r.y()),
+                     BkCalendarPainting::exposedArea(painter));
     painter->setFont(originalFont);
 
     // The icons stand at the height of the text area from the top, not at its foot.

@@ -41,9 +41,9 @@ bool rowLineIsPlain(QPainter* painter, int x1, int y, int x2)
            std::abs(transform.dy()) + std::abs(double(y)) < limit;
 }
 
-} // namespace
-
-QRectF BkCalendarPainting::repaintArea(QPainter* painter)
+// The region that the window system asked to repaint, a pixel wider all round, in the painter's
+// logical coordinates; with `withClip`, cut by the painter's own clip as well.
+QRectF paintArea(QPainter* painter, bool withClip)
 {
     QRectF area = Everywhere;
     const QPaintEngine* engine = painter ? painter->paintEngine() : nullptr;
@@ -56,13 +56,25 @@ QRectF BkCalendarPainting::repaintArea(QPainter* painter)
         return area;
     if (!region.isEmpty())
         area = toLogical.mapRect(QRectF(region.boundingRect().adjusted(-1, -1, 1, 1)));
-    if (painter->hasClipping()) {
+    if (withClip && painter->hasClipping()) {
         // The clip in logical coordinates, widened by a device pixel.
         const QRectF clip = painter->clipBoundingRect();
         const QRectF wide = painter->deviceTransform().mapRect(clip).adjusted(-1, -1, 1, 1);
         area &= toLogical.mapRect(wide);
     }
     return area;
+}
+
+} // namespace
+
+QRectF BkCalendarPainting::repaintArea(QPainter* painter)
+{
+    return paintArea(painter, true);
+}
+
+QRectF BkCalendarPainting::exposedArea(QPainter* painter)
+{
+    return paintArea(painter, false);
 }
 
 void BkCalendarPainting::drawRowLine(QPainter* painter, int x1, int y, int x2)

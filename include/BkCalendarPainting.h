@@ -17,6 +17,9 @@ public:
     // such a region (a painter on an image, a full grab) it reaches everywhere. Anything drawn wholly
     // outside it leaves no pixel, so a paint may pass it over.
     static QRectF repaintArea(QPainter* painter);
+    // The same without the painter's own clip: what a drawing can reach that replaces that clip with
+    // one of its own, or turns clipping off.
+    static QRectF exposedArea(QPainter* painter);
 
     // Draws exactly what painter->drawLine(x1, y, x2, y) draws with the painter's pen. For the solid
     // hairline of the grid, on a raster device of true colour, without antialiasing and with at most

@@ -112,6 +112,7 @@ private slots:
     void shouldWriteTheTimesAnewWhenTheBookingMoves();
     void shouldBreakTheTextAnewWhenTheBoxChangesWidth();
     void shouldShowThePictureOfItsTextAsItIsAtEachPaint();
+    void shouldDrawItsTextInItsOwnClipWhateverClipThePainterBrings();
     void shouldStartTextOnlyAtTopWithoutTime();
     void shouldShowMeetingInPlaceOfTitle();
     void shouldPaintEveryOtherKindAsAPlainBooking();
@@ -298,6 +299,30 @@ void tst_BkCalendarPaint::shouldShowThePictureOfItsTextAsItIsAtEachPaint()
     }
     // Gone again: the box no longer shows the last picture.
     QCOMPARE(PaintProbe::inkCount(paintItem(kept->widget), colours.last()), 0);
+}
+
+// The booking's text replaces the clip that the painter brings with one of its own, as the box sets it
+// for the text alone; a clip that leaves the text out does not hide it.
+void tst_BkCalendarPaint::shouldDrawItsTextInItsOwnClipWhateverClipThePainterBrings()
+{
+    BkColumnFixture fixture(false, 105.0);
+    BkCalendarItem* item = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    item->setTitle(QStringLiteral("Title"));
+    item->setText(kMarkerText);
+    QImage image(110, 100, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setClipRect(QRect(0, 0, 110, 10));
+    QStyleOptionGraphicsItem option;
+    item->widget->paint(&painter, &option, nullptr);
+    painter.end();
+    int row = 0;
+    int from = 0;
+    int to = 0;
+    QVERIFY(findRed(image, &row, &from, &to));
+    QVERIFY(row >= 10);
+    QCOMPARE(from, 6);
+    QCOMPARE(to, 94);
 }
 
 void tst_BkCalendarPaint::shouldStartTextOnlyAtTopWithoutTime()
