@@ -17,11 +17,13 @@
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
+#include <QGuiApplication>
 #include <QHash>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
+#include <QPalette>
 #include <QPen>
 #include <QPixmap>
 #include <QPointer>
@@ -551,8 +553,9 @@ void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, c
     painter->save();
     painter->translate(origin);
     painter->setClipRect(clip, Qt::ReplaceClip);
+    const qint64 palette = QGuiApplication::palette().cacheKey();
     if (!mTextLayout || static_cast<KeptTextDocument*>(mTextLayout.get())->hasRead() ||
-        mLaidOutText != mItem->text() || mLaidOutFont != font) {
+        mLaidOutText != mItem->text() || mLaidOutFont != font || mLaidOutPalette != palette) {
         mTextLayout = std::make_unique<KeptTextDocument>();
         mTextLayout->setDefaultFont(font);
         mTextLayout->setDocumentMargin(0);
@@ -565,6 +568,7 @@ void BkCalendarItemWidget::drawRichText(QPainter* painter, const QRectF& area, c
         mLaidOutText = mItem->text();
         mLaidOutFont = font;
         mLaidOutWidth = area.width();
+        mLaidOutPalette = palette;
     } else if (mLaidOutWidth != area.width()) {
         // A box of a cluster that gains or loses a neighbour only changes its width: the document
         // breaks its lines anew from the glyphs it has, instead of being parsed and shaped again.

@@ -193,6 +193,8 @@ private:
     // None until the text is first laid out: see BkCalendarTextBlock.
     std::optional<QFont> mLaidOutFont;
     double mLaidOutWidth = -1.0;
+    // The application palette that the text was read with: links take its colour as they are read.
+    qint64 mLaidOutPalette = 0;
 };
 
 #endif // BKCALENDARITEMWIDGET_H

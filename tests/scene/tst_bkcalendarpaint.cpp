@@ -113,6 +113,7 @@ private slots:
     void shouldBreakTheTextAnewWhenTheBoxChangesWidth();
     void shouldShowThePictureOfItsTextAsItIsAtEachPaint();
     void shouldDrawItsTextInItsOwnClipWhateverClipThePainterBrings();
+    void shouldDrawLinksInTheLinkColourOfThePresentPalette();
     void shouldStartTextOnlyAtTopWithoutTime();
     void shouldShowMeetingInPlaceOfTitle();
     void shouldPaintEveryOtherKindAsAPlainBooking();
@@ -323,6 +324,30 @@ void tst_BkCalendarPaint::shouldDrawItsTextInItsOwnClipWhateverClipThePainterBri
     QVERIFY(row >= 10);
     QCOMPARE(from, 6);
     QCOMPARE(to, 94);
+}
+
+// A link in a booking's text takes the application's link colour when the text is read; a box that has
+// painted its text before a host changes the palette shows the new colour, as a new box does.
+void tst_BkCalendarPaint::shouldDrawLinksInTheLinkColourOfThePresentPalette()
+{
+    const QPalette original = QGuiApplication::palette();
+    const QString text = QStringLiteral("a <a href=\"booking:1\">link</a> in the text");
+    BkColumnFixture fixture(false, 105.0);
+    BkCalendarItem* kept = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    kept->setText(text);
+    paintItem(kept->widget);
+
+    const QColor link(0, 200, 0);
+    QPalette palette = original;
+    palette.setColor(QPalette::Link, link);
+    QGuiApplication::setPalette(palette);
+    BkCalendarItem* fresh = fixture.addItem(QTime(12, 0), QTime(13, 0), 2);
+    fresh->setText(text);
+    const QImage expected = paintItem(fresh->widget);
+    const QImage shown = paintItem(kept->widget);
+    QGuiApplication::setPalette(original);
+    QVERIFY(PaintProbe::inkCount(expected, link) > 0); // the underline at least
+    QVERIFY(shown == expected);
 }
 
 void tst_BkCalendarPaint::shouldStartTextOnlyAtTopWithoutTime()
