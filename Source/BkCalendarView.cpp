@@ -115,12 +115,28 @@ void BkCalendarView::relayColumn(BkCalendarColumn* column)
 
 // The new columns were set up without boxes; the sizing rebuilds every column that shows something, and
 // a column that shows nothing would have had none. Nothing outside the library runs between their set-up
-// and here but the host's answer to a load request, which finds the new columns still without boxes.
+// and here but the host's answer to a load request, and before one goes out the columns already listed
+// get their boxes (makeBoxesBeforeLoad).
 void BkCalendarView::makeDeferredBoxes()
 {
     for (BkCalendarColumn* column : qAsConst(mColumns))
         column->setDeferBoxes(false);
     calculateSizes();
+}
+
+// A read of a day that the model has not loaded lets the host in through its answer, and the host may
+// look at the columns built so far or have them updated: they show their boxes then, as they would
+// had they made them at their set-up. Only the column being set up still waits.
+void BkCalendarView::makeBoxesBeforeLoad(const BkCalendarResource& resource, const QDate& date)
+{
+    if (!mModel || mModel->covers(resource, date))
+        return;
+    for (BkCalendarColumn* column : qAsConst(mColumns)) {
+        if (column->defersBoxes()) {
+            column->setDeferBoxes(false);
+            column->updateChildren();
+        }
+    }
 }
 
 void BkCalendarView::setDays(int days)
@@ -130,6 +146,7 @@ void BkCalendarView::setDays(int days)
     deleteColumns();
 
     for (int i = 0; i < days; ++i) {
+        makeBoxesBeforeLoad(mResource, mDate.addDays(i));
         auto* column = new BkCalendarColumn(nullptr, false);
         column->setDeferBoxes(true);
         column->setRaise(mRaise);
@@ -177,6 +194,7 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
 
     for (int i = 0; i < resources.count(); ++i) {
         const BkCalendarResource& resource = resources.at(i);
+        makeBoxesBeforeLoad(resource, mDate);
         // Without a model nothing is known of the schedules, and nobody is hidden.
         if (mModel && mModel->plans(mDate, resource).isEmpty() && FwApplication::app() &&
             FwApplication::app()->getValue(QStringLiteral("set_hideempty"), QString()).toInt() == 1)

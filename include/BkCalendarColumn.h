@@ -62,6 +62,7 @@ public:
     // the two updates that a day column of its person gets at a new date: in both cases another update
     // rebuilds the column right after, so the boxes are made once instead of twice.
     void setDeferBoxes(bool defer) { mDeferBoxes = defer; }
+    bool defersBoxes() const { return mDeferBoxes; }
     double setWidthScale(double scale, WidthType type, double start);
     double widthScale() const { return mWidthScale; }
     Raise raise() const { return mRaise; }

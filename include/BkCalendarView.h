@@ -106,6 +106,7 @@ private:
     void deleteColumns();
     void relayColumn(BkCalendarColumn* column);
     void makeDeferredBoxes();
+    void makeBoxesBeforeLoad(const BkCalendarResource& resource, const QDate& date);
     void showInfo(int type);
     void saveGroup();
 

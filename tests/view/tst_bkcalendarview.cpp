@@ -206,6 +206,8 @@ private slots:
     void shouldBoxOnceWhatTheHostLoadsWhileDaysAreBuilt();
     void shouldBoxOnceWhatTheHostLoadsWhenTheDaysMoveOn();
     void shouldBuildTheBoxesOfAnUpdateThatTheHostsAnswerStarts();
+    void shouldShowTheBuiltMembersToAHostAnsweringALaterMember();
+    void shouldShowTheBuiltDaysToAHostAnsweringALaterDay();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
     void shouldShowNothingOnceItsModelIsGone();
@@ -764,6 +766,58 @@ void tst_BkCalendarView::shouldBuildTheBoxesOfAnUpdateThatTheHostsAnswerStarts()
     QCOMPARE(host.requests.size(), 1);
     QCOMPARE(seenInTheAnswer, QList<BkCalendarItem*>({loaded}));
     QCOMPARE(boxedItems(f.view.getColumnList().first()), QList<BkCalendarItem*>({loaded}));
+}
+
+void tst_BkCalendarView::shouldShowTheBuiltMembersToAHostAnsweringALaterMember()
+{
+    // While the group is built, the host is asked for Ben's days after Anna's column is set up. What
+    // it finds of Anna's column, and what an update of the view that it runs in its answer shows,
+    // are her bookings in their boxes.
+    ViewFixture f;
+    f.view.resize(800, 600);
+    f.view.setDate(Wednesday);
+    BkCalendarItem* annas = nullptr;
+    QList<BkCalendarItem*> seenInTheAnswer;
+    QList<BkCalendarItem*> seenAfterAnUpdate;
+    LoadingHost host(f.model, [&](const BkCalendarResource& who) {
+        if (who.id.toInt() == 4) {
+            annas = addBooking(f.model, 1, Wednesday, 4, QTime(9, 0), QTime(10, 0));
+            return;
+        }
+        seenInTheAnswer = boxedItems(f.view.getColumnList().first());
+        f.view.updateWidgets();
+        seenAfterAnUpdate = boxedItems(f.view.getColumnList().first());
+    });
+    f.view.setResources(
+        {BkCalendarResource(4, QStringLiteral("Anna"), 0), BkCalendarResource(5, QStringLiteral("Ben"), 0)});
+
+    QCOMPARE(host.requests.size(), 2);
+    QVERIFY(annas);
+    QCOMPARE(seenInTheAnswer, QList<BkCalendarItem*>({annas}));
+    QCOMPARE(seenAfterAnUpdate, QList<BkCalendarItem*>({annas}));
+    QCOMPARE(boxedItems(f.view.getColumnList().first()), QList<BkCalendarItem*>({annas}));
+    QCOMPARE(boxedItems(f.view.getColumnList().last()), QList<BkCalendarItem*>());
+}
+
+void tst_BkCalendarView::shouldShowTheBuiltDaysToAHostAnsweringALaterDay()
+{
+    // Anna's days are loaded round Monday. A week from Saturday on reaches past them: the fifth day
+    // asks for more, and the host finds the four days before it with their bookings.
+    AnnasWeek f;
+    const QDate saturday = Monday.addDays(5);
+    BkCalendarItem* saturdays = addBooking(f.model, 50, saturday, 4, QTime(9, 0), QTime(10, 0));
+    f.view.setDays(1);
+    f.view.setDate(saturday);
+    QList<BkCalendarItem*> seenInTheAnswer;
+    LoadingHost host(f.model, [&](const BkCalendarResource&) {
+        seenInTheAnswer = boxedItems(f.view.getColumnList().first());
+    });
+    f.view.setDays(7);
+
+    QCOMPARE(host.requests, QStringList({QStringLiteral("0:4 2026-12-02-2026-12-10")}));
+    QCOMPARE(columnDates(f.view), daysFrom(saturday, 7));
+    QCOMPARE(seenInTheAnswer, QList<BkCalendarItem*>({saturdays}));
+    QCOMPARE(boxedItems(f.view.getColumnList().first()), QList<BkCalendarItem*>({saturdays}));
 }
 
 void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()
