@@ -1091,25 +1091,32 @@ void BkCalendarColumn::contextMenuEvent(QGraphicsSceneContextMenuEvent* event)
 
 void BkCalendarColumn::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
 {
+    // The host may answer the signal with another set of days or another group, for which the view
+    // deletes this column.
+    const QPointer<BkCalendarColumn> self(this);
     if (mScale) {
         const QTime time = mScale->timeAt(event->pos().y());
         BkCalendarPlan* plan = planAt(time, QTime());
         if (plan && plan->bookable)
             emit planActivated(plan, time);
     }
-    QGraphicsItem::mouseDoubleClickEvent(event);
+    if (self)
+        QGraphicsItem::mouseDoubleClickEvent(event);
 }
 
 void BkCalendarColumn::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 {
-    // No test of bookable here: a right-click on a closed block still reaches the host.
+    // No test of bookable here: a right-click on a closed block still reaches the host. Its menu may
+    // lead to another set of days or another group, for which the view deletes this column.
+    const QPointer<BkCalendarColumn> self(this);
     if (mScale && event->button() == Qt::RightButton) {
         const QTime time = mScale->timeAt(event->pos().y());
         BkCalendarPlan* plan = planAt(time, QTime());
         if (plan)
             emit planContextMenu(event->screenPos(), plan, time);
     }
-    QGraphicsItem::mouseReleaseEvent(event);
+    if (self)
+        QGraphicsItem::mouseReleaseEvent(event);
 }
 
 void BkCalendarColumn::mousePressEvent(QGraphicsSceneMouseEvent* event)

@@ -208,6 +208,8 @@ private slots:
     void shouldBuildTheBoxesOfAnUpdateThatTheHostsAnswerStarts();
     void shouldShowTheBuiltMembersToAHostAnsweringALaterMember();
     void shouldShowTheBuiltDaysToAHostAnsweringALaterDay();
+    void shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick();
+    void shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
     void shouldShowNothingOnceItsModelIsGone();
@@ -818,6 +820,77 @@ void tst_BkCalendarView::shouldShowTheBuiltDaysToAHostAnsweringALaterDay()
     QCOMPARE(columnDates(f.view), daysFrom(saturday, 7));
     QCOMPARE(seenInTheAnswer, QList<BkCalendarItem*>({saturdays}));
     QCOMPARE(boxedItems(f.view.getColumnList().first()), QList<BkCalendarItem*>({saturdays}));
+}
+
+namespace {
+// Anna's week from Monday on, shown, with a block of her schedule on Monday from 08:00 to 12:00; the
+// point is at 10:00 in Monday's column, in viewport coordinates.
+struct AnnasShownWeek : BkShownView
+{
+    explicit AnnasShownWeek(bool bookable)
+    {
+        view.setDate(Monday);
+        view.setResource(BkCalendarResource(4, QStringLiteral("Anna"), 0));
+        view.setDays(5);
+        auto* plan = new BkCalendarPlan;
+        plan->date = Monday;
+        plan->resource = view.resource();
+        plan->start = QTime(8, 0);
+        plan->end = QTime(12, 0);
+        plan->bookable = bookable;
+        model.addItem(plan);
+        BkCalendarColumn* monday = view.getColumnList().first();
+        const double y = view.timeScale()->topMargin() + 4 * 60 * view.timeScale()->minuteHeight();
+        point = view.mapFromScene(monday->mapToScene(QPointF(20.0, y)));
+    }
+    QPoint point;
+};
+} // namespace
+
+void tst_BkCalendarView::shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick()
+{
+    // A host that opens the day of a double-clicked block in a view of its own: the column that told
+    // it goes while its mouse handler still runs.
+    AnnasShownWeek f(true);
+    QVERIFY(f.ok);
+    QList<QTime> activated;
+    connect(&f.view, &BkCalendarView::planActivated, &f.view, [&](BkCalendarPlan*, QTime time) {
+        activated << time;
+        f.view.setDays(1);
+    });
+    QTest::mouseDClick(f.view.viewport(), Qt::LeftButton, Qt::NoModifier, f.point);
+
+    QCOMPARE(activated, QList<QTime>({QTime(10, 0)}));
+    QCOMPARE(f.view.days(), 1);
+    QCOMPARE(columnDates(f.view), QList<QDate>({Monday}));
+
+    // A host that shows a group instead: the click went to a column that is gone, and selects none of
+    // the group's.
+    AnnasShownWeek g(true);
+    QVERIFY(g.ok);
+    connect(&g.view, &BkCalendarView::planActivated, &g.view,
+            [&] { g.view.setResources({BkCalendarResource(5, QStringLiteral("Ben"), 0)}); });
+    QSignalSpy selected(&g.view, &BkCalendarView::dateSelected);
+    QTest::mouseDClick(g.view.viewport(), Qt::LeftButton, Qt::NoModifier, g.point);
+    QCOMPARE(g.view.days(), 1);
+    QCOMPARE(selectedIndices(g.view), QList<int>());
+    QCOMPARE(selected.count(), 0);
+}
+
+void tst_BkCalendarView::shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick()
+{
+    // The host's menu of a block that is not bookable switches to a one-day view.
+    AnnasShownWeek f(false);
+    QVERIFY(f.ok);
+    QList<QTime> offered;
+    connect(&f.view, &BkCalendarView::planContextMenu, &f.view, [&](QPoint, BkCalendarPlan*, QTime time) {
+        offered << time;
+        f.view.setDays(1);
+    });
+    QTest::mouseClick(f.view.viewport(), Qt::RightButton, Qt::NoModifier, f.point);
+
+    QCOMPARE(offered, QList<QTime>({QTime(10, 0)}));
+    QCOMPARE(f.view.days(), 1);
 }
 
 void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()
