@@ -3,6 +3,7 @@
 #include "BkCalendarIdTable.h"
 #include "BkCalendarItemFile.h"
 
+#include <QMetaMethod>
 #include <QSet>
 #include <QTimer>
 
@@ -239,6 +240,11 @@ bool BkCalendarModel::covers(const BkCalendarResource& resource, const QDate& da
 {
     const auto range = mRangeIndex.constFind(rangeKey(resource));
     return range != mRangeIndex.constEnd() && holds(*range, date);
+}
+
+bool BkCalendarModel::asksHost(const BkCalendarResource& resource, const QDate& date) const
+{
+    return !covers(resource, date) && isSignalConnected(QMetaMethod::fromSignal(&BkCalendarModel::loadData));
 }
 
 void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate& date)

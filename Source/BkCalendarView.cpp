@@ -124,12 +124,12 @@ void BkCalendarView::makeDeferredBoxes()
     calculateSizes();
 }
 
-// A read of a day that the model has not loaded lets the host in through its answer, and the host may
-// look at the columns built so far or have them updated: they show their boxes then, as they would
-// had they made them at their set-up. Only the column being set up still waits.
+// A read of a day that the model has not loaded lets a host that listens in through its answer, and
+// the host may look at the columns built so far or have them updated: they show their boxes then, as
+// they would had they made them at their set-up. Only the column being set up still waits.
 void BkCalendarView::makeBoxesBeforeLoad(const BkCalendarResource& resource, const QDate& date)
 {
-    if (!mModel || mModel->covers(resource, date))
+    if (!mModel || !mModel->asksHost(resource, date))
         return;
     for (BkCalendarColumn* column : qAsConst(mColumns)) {
         if (column->defersBoxes()) {

@@ -48,6 +48,9 @@ public:
     // True when a read of the day of the key sends no load request: the day lies in its loaded range.
     // Unlike loaded, asking changes nothing.
     bool covers(const BkCalendarResource& resource, const QDate& date) const;
+    // True when a read of the day of the key lets a host in: it sends a load request, and a slot
+    // listens to loadData. Asking changes nothing.
+    bool asksHost(const BkCalendarResource& resource, const QDate& date) const;
     void checkDate(const BkCalendarResource& resource, const QDate& date);
     void setToolTipsEnabled(bool enabled);
 

@@ -75,6 +75,7 @@ private slots:
     void shouldLeaveUnsavedListAndTimerAloneOnClear();
     void shouldCreateEmptyRangeWhenAskedWhetherLoaded();
     void shouldTellWhetherItHasADayWithoutAsking();
+    void shouldTellWhetherAReadLetsAHostIn();
     void shouldTellOnlyItemsWithIdOfToolTipSetting();
     void shouldRelayUpdateWithoutSignal();
     void shouldResetWhenDestroyed();
@@ -718,6 +719,28 @@ void TestBkCalendarModel::shouldCreateEmptyRangeWhenAskedWhetherLoaded()
     QCOMPARE(loads.at(0).at(1).toDate(), Day.addDays(8));
     QVERIFY(!model.loadedRanges().value(ann).first.isValid());
     QCOMPARE(model.loadedRanges().value(ann).second, Day.addDays(8));
+}
+
+// A read lets a host in only through a load request that some slot hears.
+void TestBkCalendarModel::shouldTellWhetherAReadLetsAHostIn()
+{
+    BkCalendarModel model;
+    const BkCalendarResource ann(3);
+    QVERIFY(!model.covers(ann, Day));
+    QVERIFY(!model.asksHost(ann, Day));
+
+    int heard = 0;
+    QMetaObject::Connection listener =
+        connect(&model, &BkCalendarModel::loadData, this, [&heard] { ++heard; });
+    QVERIFY(model.asksHost(ann, Day));
+    QCOMPARE(heard, 0);
+    model.items(Day, ann);
+    QCOMPARE(heard, 1);
+    QVERIFY(!model.asksHost(ann, Day));
+    QVERIFY(model.asksHost(ann, Day.addDays(9)));
+
+    disconnect(listener);
+    QVERIFY(!model.asksHost(ann, Day.addDays(9)));
 }
 
 void TestBkCalendarModel::shouldTellWhetherItHasADayWithoutAsking()
