@@ -440,12 +440,16 @@ void BkCalendarItemWidget::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
     if (!mItem || mItem->type() == BkCalendarItem::Reserved)
         return;
     bool keep = true;
-    if (mMoved && mColumn && mColumn->isResourceBooked(mItem)) {
-        QPointer<BkCalendarItemWidget> self(this);
+    // The check may read a day of the resource that the model lacks; the host's answer to that load
+    // request, like the question's own loop, may take this box or its booking away.
+    QPointer<BkCalendarItemWidget> self(this);
+    const bool booked = mMoved && mColumn && mColumn->isResourceBooked(mItem);
+    if (!self)
+        return;
+    if (booked && mItem) {
         keep = FwMessageBox::question(event->widget(), tr("Resource booked double"),
                                       tr("Do you want to make a double booked resource ?"), QMessageBox::Yes,
                                       QMessageBox::No, QStringList()) != QMessageBox::No;
-        // The question runs a loop of its own, in which the box or its booking may have gone.
         if (!self)
             return;
         if (!keep && mItem && mItem->model)

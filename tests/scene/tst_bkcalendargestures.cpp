@@ -71,6 +71,7 @@ private slots:
     void releaseCommitsAMove();
     void releaseOfADoubleBookingAsks_data();
     void releaseOfADoubleBookingAsks();
+    void releaseOutlivesABoxThatTheLoadAnswerTakesAway();
     void clickCommitsWithoutAsking();
     void keysMoveByOneMinute();
     void keyAtTheFirstBookableMinuteStillCommits();
@@ -287,6 +288,37 @@ void tst_BkCalendarGestures::releaseOfADoubleBookingAsks()
         QVERIFY(!f.s.model.commitTimer()->isActive());
         QCOMPARE(item->widget->pos().y(), 50.0 + 2.0 * (3 * 60 + 45));
     }
+}
+
+// The room's day is not in the store yet, so the check on release asks the host for it; a host that
+// answers by rebuilding the column takes the box away under the pointer. The release ends there.
+void tst_BkCalendarGestures::releaseOutlivesABoxThatTheLoadAnswerTakesAway()
+{
+    Fixture f;
+    BkCalendarItem* item = f.s.addItem(1, Day, Anna.id, Room, t(9, 0), t(10, 0));
+    BkCalendarColumn* column = f.makeColumn();
+    QPointer<BkCalendarItemWidget> box = item->widget;
+    QVERIFY(box);
+    int loads = 0;
+    connect(&f.s.model, &BkCalendarModel::loadData, this,
+            [&](const QDate&, const QDate&, const BkCalendarResource& resource) {
+                if (resource.type == 1) {
+                    ++loads;
+                    column->updateChildren();
+                }
+            });
+    QuestionAnswerer answerer(QMessageBox::No);
+
+    f.s.press(f.at(t(9, 30)));
+    f.s.moveTo(f.at(t(11, 0)));
+    QCOMPARE(item->start(), t(11, 0));
+    f.s.release(f.at(t(11, 0)));
+    QCOMPARE(loads, 1);
+    QVERIFY(!box);
+    QCOMPARE(answerer.asked, 0);
+    QVERIFY(item->widget);
+    QCOMPARE(item->widget->parentItem(), column);
+    QCOMPARE(item->start(), t(11, 0));
 }
 
 void tst_BkCalendarGestures::clickCommitsWithoutAsking()
