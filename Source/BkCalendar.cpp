@@ -62,7 +62,10 @@ BkCalendar::BkCalendar(QWidget* parent, int flags)
     if (!(mFlags & NoDocks))
         connectDocks();
 
-    connect(mModel, &BkCalendarModel::loadData, this, &BkCalendar::loadData);
+    // The view lets the host see its columns before a load request only when someone hears it here.
+    mModel->setLoadRelay(connect(mModel, &BkCalendarModel::loadData, this, &BkCalendar::loadData), [this] {
+        return isSignalConnected(QMetaMethod::fromSignal(&BkCalendar::loadData));
+    });
     connect(mModel, &BkCalendarModel::saveItems, this, &BkCalendar::saveItems);
     connect(mUi->cal, &BkCalendarView::itemActivated, this, &BkCalendar::itemActivated);
     connect(mUi->cal, &BkCalendarView::planActivated, this, &BkCalendar::planActivated);

@@ -244,7 +244,18 @@ bool BkCalendarModel::covers(const BkCalendarResource& resource, const QDate& da
 
 bool BkCalendarModel::asksHost(const BkCalendarResource& resource, const QDate& date) const
 {
-    return !covers(resource, date) && isSignalConnected(QMetaMethod::fromSignal(&BkCalendarModel::loadData));
+    if (covers(resource, date) || !isSignalConnected(QMetaMethod::fromSignal(&BkCalendarModel::loadData)))
+        return false;
+    // The relay is a connection like any other; it counts only by what hears it in turn.
+    if (!mLoadRelay || !mLoadRelayHeard)
+        return true;
+    return receivers(SIGNAL(loadData(QDate, QDate, BkCalendarResource))) > 1 || mLoadRelayHeard();
+}
+
+void BkCalendarModel::setLoadRelay(const QMetaObject::Connection& connection, std::function<bool()> heard)
+{
+    mLoadRelay = connection;
+    mLoadRelayHeard = std::move(heard);
 }
 
 void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate& date)

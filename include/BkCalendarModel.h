@@ -15,6 +15,7 @@
 #include <QVariant>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 
 class BkCalendarIdTable;
@@ -49,8 +50,11 @@ public:
     // Unlike loaded, asking changes nothing.
     bool covers(const BkCalendarResource& resource, const QDate& date) const;
     // True when a read of the day of the key lets a host in: it sends a load request, and a slot
-    // listens to loadData. Asking changes nothing.
+    // hears it, here or behind the relay. Asking changes nothing.
     bool asksHost(const BkCalendarResource& resource, const QDate& date) const;
+    // An object that passes loadData on as a signal of its own, as the form does: the connection that
+    // passes it on, and the test of whether a slot hears it there.
+    void setLoadRelay(const QMetaObject::Connection& connection, std::function<bool()> heard);
     void checkDate(const BkCalendarResource& resource, const QDate& date);
     void setToolTipsEnabled(bool enabled);
 
@@ -113,6 +117,8 @@ private:
     QList<BkCalendarItem*> mInvalidItems;
     // The same bookings as mInvalidItems, for asking whether one is there without a walk.
     QSet<BkCalendarItem*> mInvalidSet;
+    QMetaObject::Connection mLoadRelay;
+    std::function<bool()> mLoadRelayHeard;
     QTimer* mCommitTimer = nullptr;
     bool mToolTipsEnabled = true;
 };

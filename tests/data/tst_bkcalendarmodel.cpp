@@ -741,6 +741,28 @@ void TestBkCalendarModel::shouldTellWhetherAReadLetsAHostIn()
 
     disconnect(listener);
     QVERIFY(!model.asksHost(ann, Day.addDays(9)));
+
+    // Behind a relay, as the form passes the requests on, what hears the relay counts.
+    BkCalendarModel relay;
+    bool relayHeard = false;
+    const QMetaObject::Connection passing =
+        connect(&model, &BkCalendarModel::loadData, &relay, &BkCalendarModel::loadData);
+    model.setLoadRelay(passing, [&relayHeard] { return relayHeard; });
+    QVERIFY(!model.asksHost(ann, Day.addDays(9)));
+    relayHeard = true;
+    QVERIFY(model.asksHost(ann, Day.addDays(9)));
+    relayHeard = false;
+    listener = connect(&model, &BkCalendarModel::loadData, this, [&heard] { ++heard; });
+    QVERIFY(model.asksHost(ann, Day.addDays(9)));
+    disconnect(listener);
+    QVERIFY(!model.asksHost(ann, Day.addDays(9)));
+    // A relay that no longer passes the requests on is not asked; what hears the model itself counts.
+    disconnect(passing);
+    relayHeard = true;
+    QVERIFY(!model.asksHost(ann, Day.addDays(9)));
+    listener = connect(&model, &BkCalendarModel::loadData, this, [&heard] { ++heard; });
+    relayHeard = false;
+    QVERIFY(model.asksHost(ann, Day.addDays(9)));
 }
 
 void TestBkCalendarModel::shouldTellWhetherItHasADayWithoutAsking()

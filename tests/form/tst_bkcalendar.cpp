@@ -152,6 +152,7 @@ private slots:
     void shouldAddTheOfferedActionsToToolBarAndMenu_data();
     void shouldAddTheOfferedActionsToToolBarAndMenu();
     void shouldHangTheDocksInTheMainWindowWhileOpen();
+    void shouldShowTheBuiltMembersToAHostListeningToTheForm();
     void shouldPassOnTheSignalsOfViewModelAndScene();
     void shouldFollowADateClickedInThePicker();
     void shouldEmitDateChangedAtEverySetDate();
@@ -435,6 +436,32 @@ void tst_BkCalendar::shouldHangTheDocksInTheMainWindowWhileOpen()
     QVERIFY(mWindow->closeForm());
     QTRY_VERIFY(!alive);
     mWindow->hide();
+}
+
+// The form passes the model's load requests on. A host that hears them there, and answers the
+// request for a later member of the group, finds the members before it in their boxes.
+void tst_BkCalendar::shouldShowTheBuiltMembersToAHostListeningToTheForm()
+{
+    BkCalendar form(nullptr, AllShows | BkCalendar::NoDocks);
+    const QDate day(2027, 2, 3);
+    form.setDate(day);
+    form.setResourceList(
+        {BkCalendarResource(4, QStringLiteral("Anna"), 0), BkCalendarResource(5, QStringLiteral("Ben"), 0)});
+    BkCalendarItem* annas = nullptr;
+    int boxesOfAnna = -1;
+    connect(&form, &BkCalendar::loadData, this,
+            [&](const QDate&, const QDate&, const BkCalendarResource& who) {
+                if (who.id.toInt() == 4 && !annas) {
+                    annas = addBooking(form.model(), 1, day, 4, QTime(9, 0), QTime(10, 0));
+                } else if (who.id.toInt() == 5 && boxesOfAnna < 0) {
+                    boxesOfAnna = 0;
+                    for (QGraphicsItem* child : form.view()->getColumnList().first()->childItems())
+                        boxesOfAnna += qgraphicsitem_cast<BkCalendarItemWidget*>(child) ? 1 : 0;
+                }
+            });
+    form.showGroup();
+    QVERIFY(annas);
+    QCOMPARE(boxesOfAnna, 1);
 }
 
 void tst_BkCalendar::shouldPassOnTheSignalsOfViewModelAndScene()
