@@ -308,6 +308,17 @@ BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
 
 BkCalendarColumn::~BkCalendarColumn() = default;
 
+void BkCalendarColumn::discard(BkCalendarColumn* column)
+{
+    if (BkCalendarPainting::hostVisits()) {
+        if (column->mModel)
+            column->mModel->disconnect(column);
+        for (QGraphicsItem* child : column->childItems())
+            BkCalendarItemWidget::retire(child);
+    }
+    BkCalendarPainting::remove(column);
+}
+
 QRectF BkCalendarColumn::boundingRect() const
 {
     return mRect;
@@ -515,8 +526,12 @@ void BkCalendarColumn::updateChildren()
     mHoldLayout = true;
     const QList<QGraphicsItem*> children = childItems();
     for (int i = children.size() - 1; i >= 0; --i) {
-        if (children.at(i)->data(ItemKindRole).toInt() == ItemKindItemWidget)
-            delete children.at(i);
+        QGraphicsItem* child = children.at(i);
+        if (child->data(ItemKindRole).toInt() != ItemKindItemWidget)
+            continue;
+        if (BkCalendarPainting::hostVisits())
+            BkCalendarItemWidget::retire(child);
+        BkCalendarPainting::remove(child);
     }
     if (mModel && showsSomething()) {
         // Asked even when the boxes wait: asking is what makes the model request a day it lacks.

@@ -137,9 +137,23 @@ BkCalendarItemWidget::~BkCalendarItemWidget()
 {
     // First of all, so that a layout run during the teardown passes this box over.
     mDeleting = true;
+    letGoOfItem();
+}
+
+void BkCalendarItemWidget::letGoOfItem()
+{
     if (mItem && mItem->widget == this)
         mItem->widget = nullptr;
     forgetOtherBox(mItem, this);
+    mItem = nullptr;
+}
+
+void BkCalendarItemWidget::retire(QGraphicsItem* marked)
+{
+    if (auto* box = dynamic_cast<BkCalendarItemWidget*>(marked)) {
+        box->mDeleting = true;
+        box->letGoOfItem();
+    }
 }
 
 void BkCalendarItemWidget::setItem(BkCalendarItem* item)
@@ -630,9 +644,14 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
 
     if (option && (option->state & QStyle::State_Selected)) {
         painter->setBrush(QBrush(mSelectedGradient));
-        // Selecting a booking selects its column as well.
-        if (parentItem())
+        // Selecting a booking selects its column as well, and the column tells the host of its date.
+        // The host's answer may take this box away, or its booking: then it draws nothing more.
+        if (parentItem()) {
+            BkCalendarPainting::HostVisit visit;
             parentItem()->setSelected(true);
+        }
+        if (!mItem)
+            return;
     } else {
         painter->setBrush(QBrush(mGradient));
     }

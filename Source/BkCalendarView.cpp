@@ -3,6 +3,7 @@
 #include "BkCalendarClock.h"
 #include "BkCalendarInfoWidget.h"
 #include "BkCalendarModel.h"
+#include "BkCalendarPainting.h"
 #include "BkCalendarScene.h"
 #include "BkCalendarTimeScale.h"
 #include "BkCalendarUserList.h"
@@ -101,7 +102,7 @@ void BkCalendarView::setRaise(BkCalendarColumn::Raise raise)
 void BkCalendarView::deleteColumns()
 {
     while (!mColumns.isEmpty())
-        delete mColumns.takeLast();
+        BkCalendarColumn::discard(mColumns.takeLast());
 }
 
 void BkCalendarView::relayColumn(BkCalendarColumn* column)
@@ -182,7 +183,7 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
 {
     mDayMode = 0;
     if (mInfo) {
-        delete mInfo;
+        BkCalendarPainting::remove(mInfo);
         mInfo = nullptr;
     }
     deleteColumns();

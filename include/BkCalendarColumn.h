@@ -88,6 +88,9 @@ public:
     // forward; snapMinutes() is the host's set_snaponmovebooking, 1 where that is not positive.
     static QTime roundToSnap(const QTime& time, int snap);
     static int snapMinutes();
+    // Takes a column away for its view. While the host visits a paint the column is retired: it hears
+    // its model no more, and its boxes let go of their bookings at once, as its deletion would.
+    static void discard(BkCalendarColumn* column);
 
     // Custom column width.
     void move(double delta);

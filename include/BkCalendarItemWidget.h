@@ -126,6 +126,11 @@ protected:
     void contextMenuEvent(QGraphicsSceneContextMenuEvent* event) override;
 
 private:
+    // What the deletion of a box undoes: the booking no longer names it or counts it among its boxes.
+    void letGoOfItem();
+    // Done at once to a box that is retired rather than deleted, so that nothing sees it any more.
+    // The box mark is only data, which an item of the host's may carry too; such an item has no links.
+    static void retire(QGraphicsItem* marked);
     // Grows a short box to the expand height until the pointer leaves it.
     void grow(int height);
     // The booking's rich text in the area left below its title, from origin on.

@@ -5,6 +5,7 @@
 
 #include <QRectF>
 
+class QGraphicsItem;
 class QPainter;
 
 // What the calendar's items share when they paint: where a repaint can change pixels at all, and the
@@ -26,6 +27,26 @@ public:
     // a translation, the line's pixels are one row that is filled at once, as the stroker would
     // reach them one by one; anything else goes to drawLine itself.
     static void drawRowLine(QPainter* painter, int x1, int y, int x2);
+
+    // Qt holds on to the items of a scene while it draws them, until the whole picture is done; yet a
+    // booking's paint lets the host in when it selects its column. The paint holds a HostVisit for
+    // that time, and what the host's answer takes away is retired instead of deleted.
+    class HostVisit
+    {
+    public:
+        HostVisit() { ++visits(); }
+        ~HostVisit() { --visits(); }
+        HostVisit(const HostVisit&) = delete;
+        HostVisit& operator=(const HostVisit&) = delete;
+    };
+    static bool hostVisits() { return visits() > 0; }
+
+    // Takes an item of the calendar away: deletes it, or, while the host visits a paint, hides it,
+    // takes it out of its scene and deletes it once the event loop runs again.
+    static void remove(QGraphicsItem* item);
+
+private:
+    static int& visits();
 };
 
 #endif // BKCALENDARPAINTING_H

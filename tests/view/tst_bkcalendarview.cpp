@@ -210,6 +210,8 @@ private slots:
     void shouldShowTheBuiltDaysToAHostAnsweringALaterDay();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick();
+    void shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data();
+    void shouldOutliveABoxThatTheHostRebuildsWhileItPaints();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
     void shouldShowNothingOnceItsModelIsGone();
@@ -891,6 +893,77 @@ void tst_BkCalendarView::shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick()
 
     QCOMPARE(offered, QList<QTime>({QTime(10, 0)}));
     QCOMPARE(f.view.days(), 1);
+}
+
+void tst_BkCalendarView::shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data()
+{
+    QTest::addColumn<QString>("answer");
+    QTest::newRow("reload the boxes") << QStringLiteral("updateWidgets");
+    QTest::newRow("same date again") << QStringLiteral("setDate");
+    QTest::newRow("another group") << QStringLiteral("setResources");
+    QTest::newRow("days of one person") << QStringLiteral("setDays");
+    QTest::newRow("the booking goes") << QStringLiteral("removeItem");
+}
+
+void tst_BkCalendarView::shouldOutliveABoxThatTheHostRebuildsWhileItPaints()
+{
+    // A selected booking's paint selects its column, which tells the host of the date. A host that
+    // answers by showing the day afresh takes away the box, and perhaps its column, while the box
+    // is still being drawn.
+    QFETCH(QString, answer);
+    BkShownView f;
+    QVERIFY(f.ok);
+    f.view.setDate(Monday);
+    const BkCalendarResource anna(4, QStringLiteral("Anna"), 0);
+    const BkCalendarResource ben(5, QStringLiteral("Ben"), 0);
+    f.view.setResource(anna);
+    f.view.setResources({anna, ben});
+    BkCalendarItem* booking = addBooking(f.model, 1, Monday, 4, QTime(9, 0), QTime(10, 0));
+    QVERIFY(booking->widget);
+    f.view.scene()->clearSelection();
+    QCoreApplication::processEvents();
+
+    QList<QDate> told;
+    connect(&f.view, &BkCalendarView::dateSelected, &f.view, [&](QDate date) {
+        told << date;
+        // New columns select the view's date as they are built, and tell of it again.
+        if (told.size() > 1)
+            return;
+        if (answer == QLatin1String("updateWidgets"))
+            f.view.updateWidgets();
+        else if (answer == QLatin1String("setDate"))
+            f.view.setDate(date);
+        else if (answer == QLatin1String("setResources"))
+            f.view.setResources({ben, anna});
+        else if (answer == QLatin1String("setDays"))
+            f.view.setDays(3);
+        else
+            f.model.removeItem(booking);
+    });
+    QPointer<BkCalendarItemWidget> box = booking->widget;
+    const QPoint at = f.view.mapFromScene(box->sceneBoundingRect().center());
+    QTest::mouseClick(f.view.viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QVERIFY(box && box->isSelected());
+    const QImage picture = f.view.viewport()->grab().toImage();
+
+    QVERIFY(!told.isEmpty());
+    QCOMPARE(told.first(), Monday);
+    const int tellings = told.size();
+    // The old box goes once the paint is over; the booking has a box in the new columns.
+    QTRY_VERIFY(!box);
+    if (answer == QLatin1String("removeItem")) {
+        QVERIFY(f.model.findId(1) == nullptr);
+        delete booking;
+        return;
+    }
+    QVERIFY(booking->widget);
+    QCOMPARE(booking->widget->scene(), f.view.scene());
+    QVERIFY(booking->widget->isVisible());
+    QVERIFY(!picture.isNull());
+    // What the host built is drawn like any other day, and tells the host nothing new.
+    const QImage again = f.view.viewport()->grab().toImage();
+    QCOMPARE(told.size(), tellings);
+    QVERIFY(!again.isNull());
 }
 
 void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()
