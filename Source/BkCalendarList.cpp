@@ -17,9 +17,22 @@ BkCalendarList::BkCalendarList(QWidget* parent)
     sortItems(Qt::AscendingOrder);
     // Not owned by the list, as the form has always done it; it lives as long as the process.
     setItemDelegate(new BkCalendarListDelegate(nullptr));
+    // Whoever holds the list may delete, take or clear rows through the widget itself. The list
+    // forgets such a row before it goes, so that a later signal of its booking neither touches nor
+    // deletes it.
+    connect(model(), &QAbstractItemModel::rowsAboutToBeRemoved, this,
+            [this](const QModelIndex&, int first, int last) {
+                for (int i = first; i <= last; ++i)
+                    forgetRow(item(i));
+            });
+    connect(model(), &QAbstractItemModel::modelAboutToBeReset, this, [this] { mRows.clear(); });
 }
 
-BkCalendarList::~BkCalendarList() = default;
+BkCalendarList::~BkCalendarList()
+{
+    // The widget's rows outlive this part of the list; their removal has nothing to tell it.
+    disconnect(model(), nullptr, this, nullptr);
+}
 
 void BkCalendarList::setDate(QDate date)
 {
@@ -91,6 +104,17 @@ void BkCalendarList::dropRow(BkCalendarItem* item)
 {
     if (QListWidgetItem* row = mRows.take(item))
         delete row;
+}
+
+void BkCalendarList::forgetRow(QListWidgetItem* row)
+{
+    if (!row)
+        return;
+    // The key is only looked up, never followed: its booking may be gone.
+    auto* item = reinterpret_cast<BkCalendarItem*>(quintptr(row->data(ItemRole).toULongLong()));
+    const auto found = mRows.constFind(item);
+    if (found != mRows.constEnd() && found.value() == row)
+        mRows.remove(item);
 }
 
 void BkCalendarList::itemAdded(BkCalendarItem* item)

@@ -64,6 +64,7 @@ private:
     void fillRow(QListWidgetItem* row, BkCalendarItem* item);
     void addRow(BkCalendarItem* item);
     void dropRow(BkCalendarItem* item);
+    void forgetRow(QListWidgetItem* row);
 
     QHash<BkCalendarItem*, QListWidgetItem*> mRows;
     QDate mDate;

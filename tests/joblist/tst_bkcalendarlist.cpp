@@ -82,6 +82,7 @@ private slots:
     void shouldMakeOneRowForABookingLoadedWhileReading();
     void shouldKeepOldRowsAndShowNewBookingsAfterAClear();
     void shouldKeepItsRowsWhenItsModelIsGone();
+    void shouldForgetRowsTakenAwayThroughTheWidget();
 };
 
 void tst_BkCalendarList::init()
@@ -408,6 +409,54 @@ void tst_BkCalendarList::shouldKeepItsRowsWhenItsModelIsGone()
     list.setDate(Wednesday.addDays(1));
     list.setResource(Ben);
     QCOMPARE(titles(list), QStringList{QStringLiteral("mine")});
+}
+
+void tst_BkCalendarList::shouldForgetRowsTakenAwayThroughTheWidget()
+{
+    // The list is a plain list widget to whoever holds it: rows may be deleted, taken or cleared
+    // there. The bookings' later signals then find no row of theirs, and a taken row stays its
+    // taker's.
+    JobList j;
+    BkCalendarItem* first =
+        booking(j.model, 1, Wednesday, Anna, QTime(8, 0), QTime(9, 0), QStringLiteral("one"));
+    BkCalendarItem* second =
+        booking(j.model, 2, Wednesday, Anna, QTime(10, 0), QTime(11, 0), QStringLiteral("two"));
+    BkCalendarItem* third =
+        booking(j.model, 3, Wednesday, Anna, QTime(12, 0), QTime(13, 0), QStringLiteral("three"));
+    j.list.setResource(Anna);
+    QCOMPARE(j.list.count(), 3);
+
+    delete j.list.rows().value(first);
+    QCOMPARE(j.list.rows().count(), 2);
+    QVERIFY(!j.list.rows().contains(first));
+    first->setTitle(QStringLiteral("one again"));
+    j.model.removeItem(first);
+    delete first;
+    QCOMPARE(titles(j.list), (QStringList{QStringLiteral("two"), QStringLiteral("three")}));
+
+    QListWidgetItem* taken = j.list.takeItem(j.list.row(j.list.rows().value(second)));
+    QVERIFY(taken);
+    QCOMPARE(j.list.rows().count(), 1);
+    QVERIFY(!j.list.rows().contains(second));
+    second->setTitle(QStringLiteral("two again"));
+    QCOMPARE(taken->data(BkCalendarList::TitleRole).toString(), QStringLiteral("two"));
+    j.model.removeItem(second);
+    delete second;
+    delete taken;
+    QCOMPARE(titles(j.list), QStringList{QStringLiteral("three")});
+
+    j.list.clear();
+    QVERIFY(j.list.rows().isEmpty());
+    third->setTitle(QStringLiteral("three again"));
+    QCOMPARE(j.list.count(), 0);
+    j.model.removeItem(third);
+    delete third;
+
+    // Read anew, the day shows what the store has.
+    booking(j.model, 4, Wednesday, Anna, QTime(14, 0), QTime(15, 0), QStringLiteral("four"));
+    j.list.setDate(Wednesday);
+    QCOMPARE(titles(j.list), QStringList{QStringLiteral("four")});
+    QCOMPARE(j.list.rows().count(), 1);
 }
 
 FW_TEST_MAIN(tst_BkCalendarList)
