@@ -68,7 +68,8 @@ void BkCalendarList::update()
     mRows.clear();
     clear();
     // Reading may make the host load the day at once: those bookings come through itemAdded while
-    // items() runs, and have their row already.
+    // items() runs, and have their row already. The date and key go by reference on purpose: a host
+    // that sends the list elsewhere in its answer has the store read for where the list is now.
     const QList<BkCalendarItem*> items = mModel->items(mDate, mResource);
     for (BkCalendarItem* item : items)
         if (!mRows.contains(item))

@@ -83,6 +83,7 @@ private slots:
     void shouldKeepOldRowsAndShowNewBookingsAfterAClear();
     void shouldKeepItsRowsWhenItsModelIsGone();
     void shouldForgetRowsTakenAwayThroughTheWidget();
+    void shouldShowOnlyTheDayItWasMovedToWhileReading();
 };
 
 void tst_BkCalendarList::init()
@@ -457,6 +458,29 @@ void tst_BkCalendarList::shouldForgetRowsTakenAwayThroughTheWidget()
     j.list.setDate(Wednesday);
     QCOMPARE(titles(j.list), QStringList{QStringLiteral("four")});
     QCOMPARE(j.list.rows().count(), 1);
+}
+
+void tst_BkCalendarList::shouldShowOnlyTheDayItWasMovedToWhileReading()
+{
+    // The host answers the read of a day by loading it and, in the same answer, sends the list to
+    // the next day. The list then shows that day alone.
+    JobList j;
+    connect(&j.model, &BkCalendarModel::loadData, this,
+            [&j](const QDate& from, const QDate& to, const BkCalendarResource& who) {
+                if (!(who == Anna) || Wednesday < from || to < Wednesday)
+                    return;
+                booking(j.model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0), QStringLiteral("wednesday"));
+                booking(j.model, 2, Wednesday, Anna, QTime(11, 0), QTime(12, 0),
+                        QStringLiteral("wednesday too"));
+                booking(j.model, 3, Wednesday.addDays(1), Anna, QTime(9, 0), QTime(10, 0),
+                        QStringLiteral("thursday"));
+                j.list.setDate(Wednesday.addDays(1));
+            });
+    j.list.setResource(Anna);
+    QCOMPARE(j.list.date(), Wednesday.addDays(1));
+    QCOMPARE(titles(j.list), QStringList{QStringLiteral("thursday")});
+    QCOMPARE(j.list.rows().count(), 1);
+    QVERIFY(j.list.rows().contains(j.model.findId(3)));
 }
 
 FW_TEST_MAIN(tst_BkCalendarList)
