@@ -330,6 +330,10 @@ void BkCalendarModel::clear()
 
 void BkCalendarModel::commit()
 {
+    // The destructor lets the timer go before it clears the store: a request made meanwhile, by a
+    // slot of the last reset, finds no timer and is dropped, as what is unsaved then is lost anyway.
+    if (!mCommitTimer)
+        return;
     // A running timer starts over, so the second counts from the last request.
     mCommitTimer->start();
 }

@@ -59,6 +59,7 @@ private slots:
     void shouldFindItemByLateIdOnlyAfterNextChange();
     void shouldCountChangeFromSaveSlotAsNew();
     void shouldNotCountBlockedChangeFromSaveSlot();
+    void shouldIgnoreCommitAskedForWhileTheModelGoes();
 };
 
 void TestBkCalendarCommit::initTestCase()
@@ -397,6 +398,28 @@ void TestBkCalendarCommit::shouldNotCountBlockedChangeFromSaveSlot()
 
     QVERIFY(model.invalidItems().isEmpty());
     QCOMPARE(item->text(), QStringLiteral("Written back"));
+}
+
+void TestBkCalendarCommit::shouldIgnoreCommitAskedForWhileTheModelGoes()
+{
+    // A host that answers the last reset by asking for a save: the model is on its way out and its
+    // timer is gone, so the request is dropped, and what is unsaved is lost as always.
+    auto* model = new BkCalendarModel;
+    auto* item = makeItem(1, 3);
+    QVERIFY(model->addItem(item));
+    item->setTitle(QStringLiteral("Changed"));
+    QSignalSpy saved(model, &BkCalendarModel::saveItems);
+    int resets = 0;
+    connect(model, &BkCalendarModel::reset, this, [&] {
+        ++resets;
+        item->commit(false);
+        model->commit();
+    });
+
+    delete model;
+
+    QCOMPARE(resets, 1);
+    QCOMPARE(saved.count(), 0);
 }
 
 QTEST_MAIN(TestBkCalendarCommit)
