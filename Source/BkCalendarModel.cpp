@@ -370,6 +370,9 @@ void BkCalendarModel::rollback()
 
 void BkCalendarModel::itemInvalid(BkCalendarItem* item, bool addToList)
 {
+    // No booking, no change: a null on the unsaved list would be handed on by the next save.
+    if (!item)
+        return;
     if (addToList && !isInvalid(item)) {
         mInvalidItems.append(item);
         mInvalidSet.insert(item);

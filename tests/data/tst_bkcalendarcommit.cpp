@@ -60,6 +60,7 @@ private slots:
     void shouldCountChangeFromSaveSlotAsNew();
     void shouldNotCountBlockedChangeFromSaveSlot();
     void shouldIgnoreCommitAskedForWhileTheModelGoes();
+    void shouldListNoBookingForANullItem();
 };
 
 void TestBkCalendarCommit::initTestCase()
@@ -420,6 +421,26 @@ void TestBkCalendarCommit::shouldIgnoreCommitAskedForWhileTheModelGoes()
 
     QCOMPARE(resets, 1);
     QCOMPARE(saved.count(), 0);
+}
+
+void TestBkCalendarCommit::shouldListNoBookingForANullItem()
+{
+    // A host that hands in no booking: nothing goes on the unsaved list, so no save hands it on.
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3);
+    QVERIFY(model.addItem(item));
+    item->setTitle(QStringLiteral("Changed"));
+    QSignalSpy changed(&model, &BkCalendarModel::itemChanged);
+    QSignalSpy saved(&model, &BkCalendarModel::saveItems);
+
+    model.itemInvalid(nullptr, true);
+    model.itemInvalid(nullptr, false);
+
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(model.invalidItems(), QList<BkCalendarItem*>{item});
+    model.commitToDatabase();
+    QCOMPARE(saved.count(), 1);
+    QCOMPARE(batch(saved, 0), QList<BkCalendarItem*>{item});
 }
 
 QTEST_MAIN(TestBkCalendarCommit)
