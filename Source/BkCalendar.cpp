@@ -32,6 +32,7 @@
 #include <QKeyEvent>
 #include <QMetaMethod>
 #include <QMimeData>
+#include <QPersistentModelIndex>
 
 namespace {
 const char CalItemFormat[] = "text/calitem";
@@ -636,12 +637,16 @@ void BkCalendar::moveFromList()
     if (!mMoveList)
         return;
     // A stack: the last row parked is the first one taken.
-    FwTreeWidgetItem* row = mMoveList->topLevelItem(mMoveList->topLevelItemCount() - 1);
+    const int last = mMoveList->topLevelItemCount() - 1;
+    FwTreeWidgetItem* row = mMoveList->topLevelItem(last);
     if (!row)
         return;
     BkCalendarItem* item = mModel->findId(row->data(0, IdRole).toInt());
     if (!item)
         return;
+    // The host hears the move and the selection below and may change the list in its slots:
+    // the row is followed through the list's model.
+    const QPersistentModelIndex rowIndex(mMoveList->model()->index(last, 0));
     BkCalendarColumn* column = mUi->cal->getSelectedColumn();
     if (!column || !column->tryToMoveItem(item, item->start()))
         return;
@@ -653,7 +658,7 @@ void BkCalendar::moveFromList()
         item->widget->setFocus(Qt::OtherFocusReason);
         item->widget->setSelected(true);
     }
-    delete row;
+    delete mMoveList->item(rowIndex);
 }
 
 void BkCalendar::moveListDataDropped(QDropEvent* event)

@@ -91,6 +91,7 @@ private slots:
     void shouldLeaveRowAndBookingOnARefusedMove();
     void shouldDoNothingOnAnEmptyList();
     void shouldKeepARowWhoseBookingIsGone();
+    void shouldLeaveRowsThatTheHostChangesWhileTakingOff();
     void shouldParkWithCtrlXAndAdvance();
     void shouldNotAdvanceOnCtrlXWithoutABooking();
     void shouldAdvanceOnCtrlXOfAParkedBooking();
@@ -235,6 +236,32 @@ void tst_BkCalendarMoveList::shouldKeepARowWhoseBookingIsGone()
     w.form.moveFromList();
     QCOMPARE(w.rows(), 2);
     QCOMPARE(kept->date(), Monday);
+}
+
+void tst_BkCalendarMoveList::shouldLeaveRowsThatTheHostChangesWhileTakingOff()
+{
+    Week w;
+    BkCalendarItem* taken =
+        addBooking(w.form.model(), 7, Monday, QTime(9, 0), QTime(10, 0), QStringLiteral("Taken"));
+    BkCalendarItem* other =
+        addBooking(w.form.model(), 8, Monday, QTime(11, 0), QTime(12, 0), QStringLiteral("Other"));
+    w.form.addToMoveList(taken);
+    w.selectOnly(w.column(2));
+    // A host that lays out the list anew when the selection changes: the taken row is gone by then,
+    // and the row it parks meanwhile is the host's.
+    bool once = false;
+    QObject::connect(&w.form, &BkCalendar::selectionChanged, &w.form, [&] {
+        if (once)
+            return;
+        once = true;
+        w.form.moveList()->clear();
+        w.form.addToMoveList(other);
+    });
+    w.form.moveFromList();
+    QVERIFY(once);
+    QCOMPARE(taken->date(), Monday.addDays(2));
+    QCOMPARE(w.rows(), 1);
+    QCOMPARE(w.form.moveList()->topLevelItem(0)->data(0, IdRole), QVariant(8));
 }
 
 void tst_BkCalendarMoveList::shouldParkWithCtrlXAndAdvance()
