@@ -641,11 +641,12 @@ void BkCalendar::moveFromList()
     FwTreeWidgetItem* row = mMoveList->topLevelItem(last);
     if (!row)
         return;
-    BkCalendarItem* item = mModel->findId(row->data(0, IdRole).toInt());
+    const int id = row->data(0, IdRole).toInt();
+    BkCalendarItem* item = mModel->findId(id);
     if (!item)
         return;
-    // The host hears the move and the selection below and may change the list in its slots:
-    // the row is followed through the list's model.
+    // The host hears the move and the selection below and may change the list or the bookings in
+    // its slots: the row is followed through the list's model, the booking through its id.
     const QPersistentModelIndex rowIndex(mMoveList->model()->index(last, 0));
     BkCalendarColumn* column = mUi->cal->getSelectedColumn();
     if (!column || !column->tryToMoveItem(item, item->start()))
@@ -654,7 +655,7 @@ void BkCalendar::moveFromList()
     QGraphicsScene* scene = mUi->cal->scene();
     scene->clearFocus();
     scene->clearSelection();
-    if (item->widget) {
+    if (mModel->findId(id) == item && item->widget) {
         item->widget->setFocus(Qt::OtherFocusReason);
         item->widget->setSelected(true);
     }

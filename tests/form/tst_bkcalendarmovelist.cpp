@@ -92,6 +92,7 @@ private slots:
     void shouldDoNothingOnAnEmptyList();
     void shouldKeepARowWhoseBookingIsGone();
     void shouldLeaveRowsThatTheHostChangesWhileTakingOff();
+    void shouldSelectNoBookingThatTheHostTakesAwayWhileTakingOff();
     void shouldParkWithCtrlXAndAdvance();
     void shouldNotAdvanceOnCtrlXWithoutABooking();
     void shouldAdvanceOnCtrlXOfAParkedBooking();
@@ -262,6 +263,27 @@ void tst_BkCalendarMoveList::shouldLeaveRowsThatTheHostChangesWhileTakingOff()
     QCOMPARE(taken->date(), Monday.addDays(2));
     QCOMPARE(w.rows(), 1);
     QCOMPARE(w.form.moveList()->topLevelItem(0)->data(0, IdRole), QVariant(8));
+}
+
+void tst_BkCalendarMoveList::shouldSelectNoBookingThatTheHostTakesAwayWhileTakingOff()
+{
+    Week w;
+    BkCalendarItem* item =
+        addBooking(w.form.model(), 7, Monday, QTime(9, 0), QTime(10, 0), QStringLiteral("Taken"));
+    w.form.addToMoveList(item);
+    w.selectOnly(w.column(2));
+    // A host that drops the booking as soon as nothing is selected any more.
+    QObject::connect(&w.form, &BkCalendar::selectionChanged, &w.form, [&] {
+        if (item && w.form.view()->selectedItems().isEmpty()) {
+            w.form.model()->removeItem(item);
+            delete item;
+            item = nullptr;
+        }
+    });
+    w.form.moveFromList();
+    QVERIFY(!item);
+    QVERIFY(w.form.view()->selectedItems().isEmpty());
+    QCOMPARE(w.rows(), 0);
 }
 
 void tst_BkCalendarMoveList::shouldParkWithCtrlXAndAdvance()
