@@ -616,9 +616,12 @@ bool BkCalendar::addToMoveList(BkCalendarItem* item)
     // A form without docks has no list; the keys that reach here then do nothing.
     if (!item || !mMoveList)
         return false;
-    for (int i = 0; i < mMoveList->topLevelItemCount(); ++i)
-        if (mMoveList->topLevelItem(i)->data(0, IdRole) == item->id)
+    // A row that is no row of the list's kind, put there by someone else, names no parked booking.
+    for (int i = 0; i < mMoveList->topLevelItemCount(); ++i) {
+        const FwTreeWidgetItem* row = mMoveList->topLevelItem(i);
+        if (row && row->data(0, IdRole) == item->id)
             return true;
+    }
     auto* row = new FwTreeWidgetItem(mMoveList);
     row->setData(0, IdRole, item->id);
     row->setText(0, item->start().toString(Qt::TextDate));

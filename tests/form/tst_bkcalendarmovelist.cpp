@@ -85,6 +85,7 @@ private slots:
 
     void shouldParkABookingOnce();
     void shouldRefuseANullBooking();
+    void shouldParkBesideARowThatIsNotOneOfTheList();
     void shouldTakeTheLastParkedFirst();
     void shouldMoveIntoTheSelectedColumnAndCommit();
     void shouldLeaveTheRowWithoutASelectedColumn();
@@ -142,6 +143,21 @@ void tst_BkCalendarMoveList::shouldRefuseANullBooking()
     Week w;
     QVERIFY(!w.form.addToMoveList(nullptr));
     QCOMPARE(w.rows(), 0);
+}
+
+void tst_BkCalendarMoveList::shouldParkBesideARowThatIsNotOneOfTheList()
+{
+    Week w;
+    // A plain row that a host puts on the tree names no booking of the list.
+    auto* foreign = new QTreeWidgetItem(w.form.moveList(), QStringList{QStringLiteral("note")});
+    foreign->setData(0, IdRole, 17);
+    BkCalendarItem* item =
+        addBooking(w.form.model(), 17, Wednesday, QTime(9, 0), QTime(10, 0), QStringLiteral("Check-up"));
+    QVERIFY(w.form.addToMoveList(item));
+    QCOMPARE(w.rows(), 2);
+    QCOMPARE(w.form.moveList()->topLevelItem(1)->text(2), QStringLiteral("Check-up"));
+    QVERIFY(w.form.addToMoveList(item));
+    QCOMPARE(w.rows(), 2);
 }
 
 void tst_BkCalendarMoveList::shouldTakeTheLastParkedFirst()
