@@ -959,7 +959,13 @@ bool BkCalendarColumn::isResourceBooked(BkCalendarItem* item)
         return false;
     // The booking's own resource counts, not this column's key and not the booking's user.
     const BkCalendarResource key(item->resourceId(), QString(), 1);
+    const bool filed = item->model == mModel;
     const QList<BkCalendarItem*> others = mModel->items(item->date(), key);
+    // Reading a day of the resource that the model lacks asks the host for it, and the host's answer
+    // may take the booking away: a booking of this model that is no longer filed under its own day
+    // and resource is gone, and is read no further.
+    if (filed && !others.contains(item))
+        return false;
     for (BkCalendarItem* other : others) {
         if (!other || other == item)
             continue;
@@ -1200,12 +1206,17 @@ void BkCalendarColumn::dropEvent(QGraphicsSceneDragDropEvent* event)
             return;
         QMessageBox::StandardButton answer = QMessageBox::Yes;
         QPointer<BkCalendarModel> model(mModel);
-        if (isResourceBooked(item)) {
+        // The check may ask the host for the resource's day, and the question runs a loop of its
+        // own: in either the booking may have left the model, and then the drop ends nothing.
+        const auto stillThere = [&]() { return model && model->findId(QVariant(id)) == item; };
+        const bool booked = isResourceBooked(item);
+        if (!stillThere())
+            return;
+        if (booked) {
             answer = FwMessageBox::question(event->widget(), tr("Resource booked double"),
                                             tr("Do you want to make a double booked resource ?"),
                                             QMessageBox::Yes, QMessageBox::No, QStringList());
-            // The question runs a loop of its own, in which the booking may have left the model.
-            if (!model || model->findId(QVariant(id)) != item)
+            if (!stillThere())
                 return;
         }
         if (answer == QMessageBox::No)

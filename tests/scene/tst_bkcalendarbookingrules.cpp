@@ -50,6 +50,7 @@ private slots:
     void resourceBookedOnlyByStrictOverlapOnTheSameResource();
     void resourceBookedSeesTheBookingAsMoved();
     void resourceBookedWithoutResourceOrModelFindsNothing();
+    void resourceBookedOfABookingTakenAwayByTheReadFindsNothing();
 
     void tryToMoveItemRoundsToTheSnapGrid_data();
     void tryToMoveItemRoundsToTheSnapGrid();
@@ -221,6 +222,35 @@ void tst_BkCalendarBookingRules::resourceBookedWithoutResourceOrModelFindsNothin
     s.addItem(4, Day, Bert.id, QVariant(5), t(9, 0), t(10, 0));
     QVERIFY(column->isResourceBooked(b));
     QVERIFY(!lonely.isResourceBooked(b));
+}
+
+void tst_BkCalendarBookingRules::resourceBookedOfABookingTakenAwayByTheReadFindsNothing()
+{
+    BookingScene s;
+    const QVariant room(5);
+    BkCalendarItem* mine = s.addItem(1, Day, Anna.id, room, t(9, 0), t(10, 0));
+    s.addItem(2, Day, Bert.id, room, t(9, 30), t(10, 30));
+    BkCalendarColumn* column = s.addColumn(Day, Anna);
+
+    // The room's day is not read yet: the check asks the host for it, and the host's answer takes
+    // the booking out of the model.
+    int asked = 0;
+    QObject::connect(&s.model, &BkCalendarModel::loadData,
+                     [&](const QDate&, const QDate&, const BkCalendarResource& resource) {
+                         if (resource.type != 1)
+                             return;
+                         ++asked;
+                         s.model.removeItem(mine);
+                     });
+    QVERIFY(!column->isResourceBooked(mine));
+    QCOMPARE(asked, 1);
+    QVERIFY(!mine->model);
+    delete mine;
+
+    // The room's day is read now; a booking of this model that overlaps is a double booking.
+    BkCalendarItem* third = s.addItem(3, Day, Anna.id, room, t(10, 0), t(11, 0));
+    QVERIFY(column->isResourceBooked(third));
+    QCOMPARE(asked, 1);
 }
 
 void tst_BkCalendarBookingRules::tryToMoveItemRoundsToTheSnapGrid_data()

@@ -104,6 +104,8 @@ private slots:
     void dropOfADoubleBookingAsks_data();
     void dropOfADoubleBookingAsks();
     void dropOfAnUnknownIdIsIgnored();
+    void dropOfABookingThatTheHostReloadsIsIgnored();
+    void dropOfABookingTakenAwayDuringTheQuestionIsIgnored();
     void dragStartedByTheMouseEndsInAnotherColumn();
 
     void moveListRowIsReadByteExactly();
@@ -341,6 +343,73 @@ void tst_BkCalendarDragDrop::dropOfAnUnknownIdIsIgnored()
     QVERIFY(!f.drop(f.bert, t(11, 0), unknown.get()));
     QVERIFY(!f.s.model.commitTimer()->isActive());
     QVERIFY(f.s.model.isInvalid(f.booking));
+}
+
+void tst_BkCalendarDragDrop::dropOfABookingThatTheHostReloadsIsIgnored()
+{
+    Fixture f;
+    f.s.addItem(2, Day, Carl.id, Room, t(11, 0), t(12, 0));
+    auto data = calItemData("1");
+    QVERIFY(f.dragTo(f.bert, t(11, 0), data.get()));
+
+    // The double-booking check reads the room's day, which the model lacks. The host answers by
+    // reloading the booking from its database: the dragged one goes, a fresh copy takes its id.
+    BkCalendarItem* fresh = nullptr;
+    connect(&f.s.model, &BkCalendarModel::loadData, this,
+            [&](const QDate&, const QDate&, const BkCalendarResource& resource) {
+                if (resource.type != 1 || fresh)
+                    return;
+                fresh = new BkCalendarItem;
+                fresh->id = 1;
+                fresh->setDate(Day);
+                fresh->setUserId(Anna.id);
+                fresh->setResourceId(Room);
+                fresh->setTime(t(9, 0), t(10, 0));
+                BkCalendarItem* old = f.s.model.findId(QVariant(1));
+                f.s.model.removeItem(old);
+                delete old;
+                f.s.model.addItem(fresh);
+            });
+    QuestionAnswerer answerer(QMessageBox::Yes);
+    QVERIFY(!f.drop(f.bert, t(11, 0), data.get()));
+    QVERIFY(fresh);
+    QCOMPARE(answerer.asked, 0);
+    QCOMPARE(f.s.model.findId(QVariant(1)), fresh);
+    QCOMPARE(fresh->start(), t(9, 0));
+    QCOMPARE(fresh->userId(), Anna.id);
+    QVERIFY(!f.s.model.isInvalid(fresh));
+    QVERIFY(!f.s.model.commitTimer()->isActive());
+    QVERIFY(fresh->widget);
+    QCOMPARE(fresh->widget->parentItem(), f.anna);
+}
+
+void tst_BkCalendarDragDrop::dropOfABookingTakenAwayDuringTheQuestionIsIgnored()
+{
+    Fixture f;
+    f.s.addItem(2, Day, Carl.id, Room, t(11, 0), t(12, 0));
+    auto data = calItemData("1");
+    QVERIFY(f.dragTo(f.bert, t(11, 0), data.get()));
+
+    // While the question is open, the host takes the booking away; then the user answers No.
+    int asked = 0;
+    QTimer timer;
+    timer.setInterval(10);
+    connect(&timer, &QTimer::timeout, this, [&]() {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || !box->isVisible())
+            return;
+        ++asked;
+        BkCalendarItem* old = f.s.model.findId(QVariant(1));
+        f.s.model.removeItem(old);
+        delete old;
+        box->button(QMessageBox::No)->click();
+    });
+    timer.start();
+    QVERIFY(!f.drop(f.bert, t(11, 0), data.get()));
+    QCOMPARE(asked, 1);
+    QVERIFY(!f.s.model.findId(QVariant(1)));
+    QVERIFY(f.s.model.invalidItems().isEmpty());
+    QVERIFY(!f.s.model.commitTimer()->isActive());
 }
 
 void tst_BkCalendarDragDrop::dragStartedByTheMouseEndsInAnotherColumn()
