@@ -988,15 +988,24 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
     BkCalendarItemWidget* widget = item->widget;
     if (!widget) {
         // A booking from the move list, or one outside the scale's span, gets its box here.
-        makeWidget(item);
-    } else if (widget->parentItem() != this) {
+        widget = makeWidget(item);
+    }
+    // Selecting this column tells of its date, and the new time goes out as a change of the
+    // booking: whoever answers either may take the booking away, which lets go of its box.
+    const QPointer<BkCalendarItemWidget> box(widget);
+    const auto gone = [&]() { return !box || box->item() != item; };
+    if (widget->parentItem() != this) {
         setSelected(true);
+        if (gone())
+            return false;
         if (QGraphicsItem* old = widget->parentItem())
             old->setSelected(false);
         // The box rewires itself to this column's width in its itemChange.
         widget->setParentItem(this);
     }
     item->setTime(s, e);
+    if (gone())
+        return false;
     item->setKeys(mDate, mResource);
     if (item->widget)
         item->widget->update();

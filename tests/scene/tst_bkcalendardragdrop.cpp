@@ -97,6 +97,9 @@ private slots:
     void bookingFollowsThePointerUncommitted();
     void dragOverThreeColumnsReparentsAtEveryAllowedStep();
     void refusedMoveIsStillAcceptedAndTheDropCommitsTheLastGoodPlace();
+    void bookingTakenAwayByTheAnswerToTheColumnsDateIsNotMoved_data();
+    void bookingTakenAwayByTheAnswerToTheColumnsDateIsNotMoved();
+    void bookingTakenAwayByTheAnswerToItsChangeGetsNoNewKeys();
     void unknownOrMalformedIdIsIgnored_data();
     void unknownOrMalformedIdIsIgnored();
     void columnDragLeaveKeepsTheBooking();
@@ -225,6 +228,73 @@ void tst_BkCalendarDragDrop::refusedMoveIsStillAcceptedAndTheDropCommitsTheLastG
     QSignalSpy saved(&f.s.model, &BkCalendarModel::saveItems);
     QTRY_COMPARE_WITH_TIMEOUT(saved.count(), 1, 20000);
     QVERIFY(!f.s.model.isInvalid(f.booking));
+}
+
+void tst_BkCalendarDragDrop::bookingTakenAwayByTheAnswerToTheColumnsDateIsNotMoved_data()
+{
+    QTest::addColumn<bool>("deleted");
+    QTest::newRow("given back") << false;
+    QTest::newRow("deleted") << true;
+}
+
+void tst_BkCalendarDragDrop::bookingTakenAwayByTheAnswerToTheColumnsDateIsNotMoved()
+{
+    QFETCH(bool, deleted);
+    Fixture f;
+    auto data = calItemData("1");
+    BkCalendarItem* booking = f.booking;
+    BkCalendarItemWidget* widget = booking->widget;
+
+    // Entering Bert's column selects it, which tells of its date; the host answers by taking the
+    // booking away.
+    int answered = 0;
+    connect(f.bert, &BkCalendarColumn::dateSelected, this, [&]() {
+        ++answered;
+        f.s.model.removeItem(booking);
+        if (deleted) {
+            delete booking;
+            booking = nullptr;
+        }
+    });
+    QVERIFY(f.dragTo(f.bert, t(11, 0), data.get()));
+    QCOMPARE(answered, 1);
+    QVERIFY(!f.s.model.findId(QVariant(1)));
+    QVERIFY(f.s.model.invalidItems().isEmpty());
+    QCOMPARE(widget->parentItem(), f.anna);
+    QVERIFY(!widget->item());
+    if (booking) {
+        QCOMPARE(booking->userId(), Anna.id);
+        QCOMPARE(booking->start(), t(9, 0));
+        QCOMPARE(booking->end(), t(10, 0));
+        delete booking;
+    }
+
+    // The drop finds nothing to end.
+    QVERIFY(!f.drop(f.bert, t(11, 0), data.get()));
+    QVERIFY(!f.s.model.commitTimer()->isActive());
+}
+
+void tst_BkCalendarDragDrop::bookingTakenAwayByTheAnswerToItsChangeGetsNoNewKeys()
+{
+    Fixture f;
+    auto data = calItemData("1");
+    BkCalendarItem* booking = f.booking;
+
+    // The host takes the booking back as soon as it hears of its change.
+    int answered = 0;
+    connect(&f.s.model, &BkCalendarModel::itemChanged, this, [&](BkCalendarItem* item) {
+        if (item != booking || answered++)
+            return;
+        f.s.model.removeItem(booking);
+    });
+    QVERIFY(f.dragTo(f.bert, t(11, 0), data.get()));
+    QCOMPARE(answered, 1);
+    QVERIFY(!f.s.model.findId(QVariant(1)));
+    QVERIFY(f.s.model.invalidItems().isEmpty());
+    QVERIFY(!booking->model);
+    QCOMPARE(booking->userId(), Anna.id);
+    QCOMPARE(booking->date(), Day);
+    delete booking;
 }
 
 void tst_BkCalendarDragDrop::unknownOrMalformedIdIsIgnored_data()
