@@ -85,6 +85,11 @@ BkCalendarHeader::BkCalendarHeader(QGraphicsItem* parent)
 
 BkCalendarHeader::~BkCalendarHeader()
 {
+    // A group rebuilt during a grip drag takes the header before the release that would give the
+    // cursor back; the hand would then stay over the whole application. A day column's hand stays,
+    // as it does at its release.
+    if (mResizable && mLastPos != QPointF(0.0, 0.0))
+        QGuiApplication::restoreOverrideCursor();
     // The context menu has no parent widget, so the header owns it.
     delete mMenu;
 }

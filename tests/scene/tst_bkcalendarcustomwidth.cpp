@@ -81,6 +81,7 @@ private slots:
     void moveIsBoundByTheMinimumWidth();
     void dayColumnIgnoresTheLayout();
     void dayColumnGripShowsTheHandAndKeepsIt();
+    void columnGoneMidDragGivesTheCursorBack();
     void savedWidthComesBackForTheSameTypeAndId();
     void firstMatchIsReadLastMatchIsRemoved();
     void malformedEntriesAreLeftAlone();
@@ -265,6 +266,35 @@ void tst_BkCalendarCustomWidth::dayColumnGripShowsTheHandAndKeepsIt()
     QVERIFY(QGuiApplication::overrideCursor());
     QVERIFY(!column->customSize());
     QVERIFY(storedLayout().isEmpty());
+}
+
+void tst_BkCalendarCustomWidth::columnGoneMidDragGivesTheCursorBack()
+{
+    // The group can be rebuilt while the user drags a grip; the release then reaches no header.
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    followWidth(column);
+    s.show();
+
+    const QPointF from = gripPoint(column);
+    s.press(from);
+    s.moveTo(from + QPointF(20, 0));
+    QVERIFY(QGuiApplication::overrideCursor());
+    delete column;
+    QVERIFY(!QGuiApplication::overrideCursor());
+    s.moveTo(from + QPointF(30, 0));
+    s.release(from + QPointF(30, 0));
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QVERIFY(storedLayout().isEmpty());
+
+    // A day column's hand stays, as it does at its release.
+    const BkCalendarResource anna(QVariant(17), QStringLiteral("Anna"), 0);
+    BkCalendarColumn* day = s.addColumn(Day, anna, false);
+    const QPointF grip = gripPoint(day);
+    s.press(grip);
+    QVERIFY(QGuiApplication::overrideCursor());
+    delete day;
+    QVERIFY(QGuiApplication::overrideCursor());
 }
 
 void tst_BkCalendarCustomWidth::savedWidthComesBackForTheSameTypeAndId()
