@@ -89,6 +89,7 @@ private slots:
     void widthNoColumnCanHaveIsNoWidth();
     void contextMenuRemovesTheCustomSize();
     void contextMenuOnADayColumn();
+    void removeOnADayColumnTakesThePersonsSavedWidth();
 };
 
 void tst_BkCalendarCustomWidth::firstDragAppendsAndSecondRewrites()
@@ -495,6 +496,60 @@ void tst_BkCalendarCustomWidth::contextMenuOnADayColumn()
     delete timer;
     QCOMPARE(shown, 2);
     QCOMPARE(offered, QStringList() << QStringLiteral("Remove custom size"));
+}
+
+void tst_BkCalendarCustomWidth::removeOnADayColumnTakesThePersonsSavedWidth()
+{
+    // A day column has no width of its own, but its menu entry still removes the saved width of the
+    // person it shows, which the group view then no longer finds.
+    storeLayout(QStringList() << QStringLiteral("0|17|240.5") << QStringLiteral("1|17|150"));
+    BookingScene s;
+    const BkCalendarResource anna(QVariant(17), QStringLiteral("Anna"), 0);
+    BkCalendarColumn* column = s.addColumn(Day, anna, false);
+    column->initSavedValue();
+    QVERIFY(!column->customSize());
+    QSignalSpy shareOut(column, qOverload<>(&BkCalendarColumn::widthChanged));
+    s.show();
+
+    bool triggered = false;
+    auto* timer = new QTimer(this);
+    int waited = 0;
+    timer->setInterval(20);
+    connect(timer, &QTimer::timeout, this, [&]() {
+        waited += 20;
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu) {
+            if (waited > 30000) {
+                timer->stop();
+                QApplication::closeAllWindows();
+            }
+            return;
+        }
+        timer->stop();
+        if (!menu->actions().isEmpty()) {
+            menu->actions().first()->trigger();
+            triggered = true;
+        }
+        menu->close();
+    });
+    timer->start();
+
+    QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
+    event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
+    event.setScreenPos(QPoint(300, 40));
+    QApplication::sendEvent(&s.scene, &event);
+    delete timer;
+
+    QVERIFY(triggered);
+    QCOMPARE(shareOut.count(), 1);
+    QCOMPARE(column->widthScale(), 200.0);
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|17|150"));
+
+    BookingScene group;
+    BkCalendarColumn* member = group.addColumn(Day, anna, true, 1);
+    member->initSavedValue();
+    QVERIFY(!member->customSize());
+    QCOMPARE(member->widthScale(), 200.0);
 }
 
 FW_TEST_MAIN(tst_BkCalendarCustomWidth)
