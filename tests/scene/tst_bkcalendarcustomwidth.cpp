@@ -90,6 +90,7 @@ private slots:
     void contextMenuRemovesTheCustomSize();
     void contextMenuOnADayColumn();
     void removeOnADayColumnTakesThePersonsSavedWidth();
+    void firstStepOfAFirstDragGoesToTheShareOut();
 };
 
 void tst_BkCalendarCustomWidth::firstDragAppendsAndSecondRewrites()
@@ -550,6 +551,47 @@ void tst_BkCalendarCustomWidth::removeOnADayColumnTakesThePersonsSavedWidth()
     member->initSavedValue();
     QVERIFY(!member->customSize());
     QCOMPARE(member->widthScale(), 200.0);
+}
+
+void tst_BkCalendarCustomWidth::firstStepOfAFirstDragGoesToTheShareOut()
+{
+    // The column asks the view for the share-out before it counts as custom, so in a group view the
+    // first step of the first drag is given the share again; from the second step on it follows.
+    BkCalendarModel model;
+    BkCalendarView view;
+    view.setModel(&model);
+    view.resize(800, 500);
+    view.setDate(Day);
+    view.setResources({Room7, User7});
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    BkCalendarColumn* room = view.getColumnList().first();
+    BkCalendarColumn* user = view.getColumnList().last();
+    const double share = room->widthScale();
+    QVERIFY(share > 100.0);
+    QVERIFY(!room->customSize());
+
+    auto send = [&view](QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,
+                        Qt::MouseButtons buttons) {
+        const QPoint local = view.mapFromScene(scenePos);
+        QMouseEvent event(type, local, view.viewport()->mapToGlobal(local), button, buttons, Qt::NoModifier);
+        QApplication::sendEvent(view.viewport(), &event);
+    };
+    const QPointF from = gripPoint(room);
+    send(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+    send(QEvent::MouseMove, from + QPointF(-10, 0), Qt::NoButton, Qt::LeftButton);
+    QCOMPARE(room->widthScale(), share);
+    QVERIFY(room->customSize());
+    send(QEvent::MouseMove, from + QPointF(-20, 0), Qt::NoButton, Qt::LeftButton);
+    QCOMPARE(room->widthScale(), share - 10.0);
+    QCOMPARE(room->header()->boundingRect().width(), share - 10.0);
+    // The neighbour takes up what the custom column gave away.
+    QCOMPARE(user->pos().x(), room->pos().x() + share - 10.0);
+    send(QEvent::MouseMove, from + QPointF(-30, 0), Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, from + QPointF(-30, 0), Qt::LeftButton, Qt::NoButton);
+    QCOMPARE(room->widthScale(), share - 20.0);
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|7|%1").arg(share - 20.0));
+    QVERIFY(!QGuiApplication::overrideCursor());
 }
 
 FW_TEST_MAIN(tst_BkCalendarCustomWidth)
