@@ -30,6 +30,7 @@
 #include <QDockWidget>
 #include <QDrag>
 #include <QKeyEvent>
+#include <QMainWindow>
 #include <QMetaMethod>
 #include <QMimeData>
 #include <QPersistentModelIndex>
@@ -132,6 +133,19 @@ void BkCalendar::connectDocks()
     connect(mUi->cal, &BkCalendarView::dateSelected, mList, &BkCalendarList::setDate);
 }
 
+// Brings the docks back among the form's own children, hidden, from wherever a main window keeps them.
+void BkCalendar::reclaimDocks()
+{
+    for (QDockWidget* dock : {mDateDock, mListDock, mMoveDock}) {
+        if (!dock || dock->parentWidget() == this)
+            continue;
+        if (auto* window = qobject_cast<QMainWindow*>(dock->parentWidget()))
+            window->removeDockWidget(dock);
+        dock->hide();
+        dock->setParent(this);
+    }
+}
+
 void BkCalendar::setupActions()
 {
     auto make = [this](const char* icon, const char* text, const char* tip, const char* shortcut,
@@ -190,6 +204,9 @@ bool BkCalendar::open(FwFormPrivate* priv)
             window->addDockWidget(Qt::RightDockWidgetArea, mDateDock);
             window->addDockWidget(Qt::RightDockWidgetArea, mListDock);
             window->addDockWidget(Qt::RightDockWidgetArea, mMoveDock);
+            // The window now owns the docks; a window that goes before the form would take them along.
+            disconnect(mWindowWatch);
+            mWindowWatch = connect(window, &QObject::destroyed, this, [this] { reclaimDocks(); });
         }
         mDateDock->show();
         mListDock->show();
@@ -206,7 +223,10 @@ bool BkCalendar::close()
             if (FwMainWindow* window = FwMainWindow::wnd())
                 window->removeDockWidget(dock);
             dock->hide();
+            // Hidden, but the form's again: they go with the form and outlive the window.
+            dock->setParent(this);
         }
+        disconnect(mWindowWatch);
     }
     mUi->cal->ensureVisible(QRectF(0, 0, 1, 1), 50, 50);
     return FwForm::close();

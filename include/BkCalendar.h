@@ -154,6 +154,7 @@ private:
     void setupDock();
     void setupActions();
     void connectDocks();
+    void reclaimDocks();
     QList<QAction*> offeredActions() const;
     void stepDay(int days);
     void finishDays();
@@ -181,6 +182,8 @@ private:
     QAction* mActionMonth = nullptr;
     QAction* mActionGroup = nullptr;
     Ui::BkCalendar* mUi = nullptr;
+    // Brings the docks back when the main window that holds them goes.
+    QMetaObject::Connection mWindowWatch;
 };
 
 #endif // BKCALENDAR_H

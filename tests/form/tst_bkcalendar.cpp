@@ -30,6 +30,7 @@
 #include <QDockWidget>
 #include <QGridLayout>
 #include <QMenu>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QSqlDatabase>
@@ -152,6 +153,10 @@ private slots:
     void shouldAddTheOfferedActionsToToolBarAndMenu_data();
     void shouldAddTheOfferedActionsToToolBarAndMenu();
     void shouldHangTheDocksInTheMainWindowWhileOpen();
+    void shouldLeaveNoDocksInTheMainWindowOnceClosed();
+    void shouldGoWithTheMainWindowWhileOpen();
+    void shouldKeepItsDocksWhenTheMainWindowGoesFirst();
+    void shouldGoAfterAClosedFormsMainWindow();
     void shouldShowTheBuiltMembersToAHostListeningToTheForm();
     void shouldPassOnTheSignalsOfViewModelAndScene();
     void shouldFollowADateClickedInThePicker();
@@ -202,6 +207,9 @@ private slots:
     void shouldGiveAnInvalidTimeWhenTheDatabaseCannotAnswer();
 
 private:
+    // The main window of a host: there is one at a time, and FwMainWindow::wnd() names the last one made.
+    void makeMainWindow();
+
     FwMainWindow* mWindow = nullptr;
 };
 
@@ -211,6 +219,11 @@ void tst_BkCalendar::initTestCase()
     qRegisterMetaType<BkCalendarItem*>();
     qRegisterMetaType<BkCalendarPlan*>();
     qRegisterMetaType<QList<BkCalendarItem*>>();
+    makeMainWindow();
+}
+
+void tst_BkCalendar::makeMainWindow()
+{
     mWindow = new FwMainWindow;
     mWindow->setUserId(99);
     mWindow->resize(1200, 800);
@@ -436,6 +449,116 @@ void tst_BkCalendar::shouldHangTheDocksInTheMainWindowWhileOpen()
     QVERIFY(mWindow->closeForm());
     QTRY_VERIFY(!alive);
     mWindow->hide();
+}
+
+// Closed and deleted by the window, the form leaves nothing behind there: no hidden dock of a dead
+// form that a restored window state could bring back.
+void tst_BkCalendar::shouldLeaveNoDocksInTheMainWindowOnceClosed()
+{
+    auto* form = new BkCalendar(nullptr, AllShows);
+    QPointer<BkCalendar> alive(form);
+    QVERIFY(mWindow->openForm(form));
+    const QByteArray state = mWindow->saveState();
+    QPointer<QDockWidget> date(form->dateDock());
+    QVERIFY(mWindow->closeForm());
+    QVERIFY(mWindow->findChildren<QDockWidget*>().isEmpty());
+    QCOMPARE(date->parent(), static_cast<QObject*>(form));
+    QTRY_VERIFY(!alive);
+    QVERIFY(!date);
+    mWindow->restoreState(state);
+    QVERIFY(mWindow->findChildren<QDockWidget*>().isEmpty());
+}
+
+// A host that deletes its main window with the form open in it loses the form too, whichever of the
+// two goes first among the window's children.
+void tst_BkCalendar::shouldGoWithTheMainWindowWhileOpen()
+{
+    // Whatever happens here, the next test finds a main window.
+    const auto renew = qScopeGuard([this] {
+        if (!mWindow)
+            makeMainWindow();
+    });
+    FwMainWindow* window = mWindow;
+    mWindow = nullptr;
+    auto* form = new BkCalendar(nullptr, AllShows);
+    QVERIFY(window->openForm(form));
+    QPointer<BkCalendar> alive(form);
+    QPointer<QDockWidget> dock(form->moveDock());
+    BkCalendarItem* item = addBooking(form->model(), 1, Wednesday, 99, QTime(9, 0), QTime(10, 0));
+    QVERIFY(form->addToMoveList(item));
+    delete window;
+    QVERIFY(!alive);
+    QVERIFY(!dock);
+}
+
+// A host that keeps the form while its main window goes still has a whole form: the docks come back
+// to it, hidden, and stand in the next main window that it is opened in.
+void tst_BkCalendar::shouldKeepItsDocksWhenTheMainWindowGoesFirst()
+{
+    // Whatever happens here, the next test finds a main window.
+    const auto renew = qScopeGuard([this] {
+        if (!mWindow)
+            makeMainWindow();
+    });
+    BkCalendar form(nullptr, AllShows);
+    QVERIFY(form.open(nullptr));
+    QDockWidget* date = form.dateDock();
+    QDockWidget* list = form.listDock();
+    QDockWidget* move = form.moveDock();
+    QCOMPARE(mWindow->dockWidgets(), (QList<QDockWidget*>{date, list, move}));
+    QPointer<QDockWidget> moveAlive(move);
+    QPointer<FwTreeWidget> moves(form.moveList());
+
+    delete mWindow;
+    mWindow = nullptr;
+    QVERIFY(!FwMainWindow::wnd());
+    QVERIFY(moveAlive);
+    QVERIFY(moves);
+    for (QDockWidget* dock : {date, list, move}) {
+        QCOMPARE(dock->parent(), static_cast<QObject*>(&form));
+        QVERIFY(dock->isHidden());
+    }
+    // Everything that works on the docks still does.
+    QVERIFY(form.close());
+    form.setResource(BkCalendarResource(99, QStringLiteral("Anna"), 0));
+    QCOMPARE(form.jobList()->resource().id.toInt(), 99);
+    emit form.datePicker()->clicked(QDate(2026, 12, 3));
+    QCOMPARE(form.jobList()->date(), QDate(2026, 12, 3));
+    QCOMPARE(form.selectedDate(), form.datePicker()->selectedDate());
+    BkCalendarItem* item = addBooking(form.model(), 1, QDate(2026, 12, 3), 99, QTime(9, 0), QTime(10, 0));
+    QVERIFY(form.addToMoveList(item));
+    QCOMPARE(form.moveList()->topLevelItemCount(), 1);
+
+    makeMainWindow();
+    QVERIFY(form.open(nullptr));
+    QCOMPARE(mWindow->dockWidgets(), (QList<QDockWidget*>{date, list, move}));
+    QVERIFY(form.close());
+    QVERIFY(mWindow->dockWidgets().isEmpty());
+    QCOMPARE(date->parent(), static_cast<QObject*>(&form));
+}
+
+// The window closes the form and deletes it later; a window that goes before that moment takes
+// nothing of the form along, and the form goes cleanly after it.
+void tst_BkCalendar::shouldGoAfterAClosedFormsMainWindow()
+{
+    // Whatever happens here, the next test finds a main window.
+    const auto renew = qScopeGuard([this] {
+        if (!mWindow)
+            makeMainWindow();
+    });
+    auto* form = new BkCalendar(nullptr, AllShows);
+    QPointer<BkCalendar> alive(form);
+    QVERIFY(mWindow->openForm(form));
+    QPointer<QDockWidget> dock(form->dateDock());
+    QVERIFY(mWindow->closeForm());
+    QVERIFY(alive);
+    delete mWindow;
+    mWindow = nullptr;
+    QVERIFY(alive);
+    QVERIFY(dock);
+    QCOMPARE(dock->parent(), static_cast<QObject*>(form));
+    QTRY_VERIFY(!alive);
+    QVERIFY(!dock);
 }
 
 // The form passes the model's load requests on. A host that hears them there, and answers the
