@@ -85,6 +85,9 @@ BkCalendar::~BkCalendar()
     // items and must not reach the form's signals and slots once the form itself is gone.
     disconnect(mUi->cal->scene(), nullptr, this, nullptr);
     disconnect(mUi->cal, nullptr, this, nullptr);
+    // Docks that hang in the main window are its children by now: they go with the form, or they
+    // would stay on show there with nothing behind them.
+    reclaimDocks();
     // The bookings go with the model; what is unsaved at this moment is lost. Each booking clears its
     // boxes' pointers to it as it goes, and the view goes with the form's children.
     delete mModel;

@@ -154,6 +154,7 @@ private slots:
     void shouldAddTheOfferedActionsToToolBarAndMenu();
     void shouldHangTheDocksInTheMainWindowWhileOpen();
     void shouldLeaveNoDocksInTheMainWindowOnceClosed();
+    void shouldTakeItsDocksAlongWhenItGoesWhileOpen();
     void shouldGoWithTheMainWindowWhileOpen();
     void shouldKeepItsDocksWhenTheMainWindowGoesFirst();
     void shouldGoAfterAClosedFormsMainWindow();
@@ -467,6 +468,42 @@ void tst_BkCalendar::shouldLeaveNoDocksInTheMainWindowOnceClosed()
     QVERIFY(!date);
     mWindow->restoreState(state);
     QVERIFY(mWindow->findChildren<QDockWidget*>().isEmpty());
+}
+
+// A host that deletes the form while it is open takes the whole form away: its docks stand in the
+// main window, and left there they would go on showing a picker, a job list and a move list of a
+// form that is gone.
+void tst_BkCalendar::shouldTakeItsDocksAlongWhenItGoesWhileOpen()
+{
+    auto* form = new BkCalendar(nullptr, AllShows);
+    mWindow->show();
+    QVERIFY(QTest::qWaitForWindowExposed(mWindow));
+    QVERIFY(mWindow->openForm(form));
+    QCOMPARE(mWindow->dockWidgets().count(), 3);
+    QPointer<QCalendarWidget> picker(form->datePicker());
+    QPointer<BkCalendarList> list(form->jobList());
+    QPointer<FwTreeWidget> moves(form->moveList());
+
+    delete form;
+    QVERIFY(!mWindow->form());
+    QVERIFY(mWindow->dockWidgets().isEmpty());
+    QVERIFY(mWindow->findChildren<QDockWidget*>().isEmpty());
+    QVERIFY(!picker);
+    QVERIFY(!list);
+    QVERIFY(!moves);
+    QMenu* views = menuNamed(*mWindow->fwMenuBar(), QStringLiteral("Views"));
+    QVERIFY(views);
+    QVERIFY(views->actions().isEmpty());
+    // The window goes on with the next form.
+    QVERIFY(mWindow->closeForm());
+    auto* next = new BkCalendar(nullptr, AllShows);
+    QPointer<BkCalendar> nextAlive(next);
+    QVERIFY(mWindow->openForm(next));
+    QCOMPARE(mWindow->dockWidgets(),
+             (QList<QDockWidget*>{next->dateDock(), next->listDock(), next->moveDock()}));
+    QVERIFY(mWindow->closeForm());
+    QTRY_VERIFY(!nextAlive);
+    mWindow->hide();
 }
 
 // A host that deletes its main window with the form open in it loses the form too, whichever of the
