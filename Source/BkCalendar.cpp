@@ -623,6 +623,11 @@ void BkCalendar::detectResource()
         mUi->cal->setResource(resource);
 }
 
+FwTreeWidget* BkCalendar::moveList() const
+{
+    return mMoveList;
+}
+
 void BkCalendar::initMoveList(FwTreeWidget* tree)
 {
     mMoveList = tree;

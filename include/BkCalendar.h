@@ -12,6 +12,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QPoint>
+#include <QPointer>
 #include <QTime>
 
 class BkCalendarItem;
@@ -97,7 +98,7 @@ public:
     BkCalendarList* list() const { return mList; }
     BkCalendarList* jobList() const { return mList; }
     QCalendarWidget* datePicker() const { return mDatePicker; }
-    FwTreeWidget* moveList() const { return mMoveList; }
+    FwTreeWidget* moveList() const;
     QDockWidget* dateDock() const { return mDateDock; }
     QDockWidget* listDock() const { return mListDock; }
     QDockWidget* moveDock() const { return mMoveDock; }
@@ -166,7 +167,8 @@ private:
     BkCalendarList* mList = nullptr;
     BkCalendarModel* mModel = nullptr;
     QCalendarWidget* mDatePicker = nullptr;
-    FwTreeWidget* mMoveList = nullptr;
+    // A host may hand in a tree of its own and delete it later; the list then reads as none.
+    QPointer<FwTreeWidget> mMoveList;
     QActionGroup* mShowGroup = nullptr;
     QList<BkCalendarResource> mResources;
     int mShowType = Show1Day;

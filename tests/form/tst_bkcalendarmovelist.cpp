@@ -103,6 +103,7 @@ private slots:
     void shouldIgnoreForeignDrops();
     void shouldStartADragOfTheRowUnderThePointer();
     void shouldStartNoDragBesideTheRows();
+    void shouldForgetATreeOfTheHostsOnceItIsGone();
 };
 
 void tst_BkCalendarMoveList::initTestCase()
@@ -452,4 +453,31 @@ void tst_BkCalendarMoveList::shouldStartNoDragBesideTheRows()
 }
 
 FW_TEST_MAIN(tst_BkCalendarMoveList)
+void tst_BkCalendarMoveList::shouldForgetATreeOfTheHostsOnceItIsGone()
+{
+    // A host may give the form a tree of its own for the list, and delete it later.
+    Week w;
+    auto* tree = new FwTreeWidget(nullptr);
+    w.form.initMoveList(tree);
+    QCOMPARE(w.form.moveList(), tree);
+    BkCalendarItem* item =
+        addBooking(w.form.model(), 17, Wednesday, QTime(9, 0), QTime(10, 0), QStringLiteral("Check-up"));
+    QVERIFY(w.form.addToMoveList(item));
+    QCOMPARE(tree->topLevelItemCount(), 1);
+    delete tree;
+
+    // The list is gone with its tree: nothing is parked and nothing taken off.
+    QVERIFY(!w.form.moveList());
+    QVERIFY(!w.form.addToMoveList(item));
+    w.form.moveFromList();
+    QCOMPARE(item->date(), Wednesday);
+    QVERIFY(item->widget);
+
+    // A new tree takes the list up again.
+    FwTreeWidget other(nullptr);
+    w.form.initMoveList(&other);
+    QVERIFY(w.form.addToMoveList(item));
+    QCOMPARE(other.topLevelItemCount(), 1);
+}
+
 #include "tst_bkcalendarmovelist.moc"
