@@ -5,6 +5,7 @@
 #include "FwToolBar.h"
 
 #include <QDockWidget>
+#include <QMenu>
 #include <QStatusBar>
 
 FwMainWindow* FwMainWindow::sWindow = nullptr;
@@ -92,6 +93,13 @@ bool FwMainWindow::closeForm()
         return false;
     form->closed();
     form->finalize();
+    // The form made its menus as children of the bar; they go with it. Later, since the close may come
+    // from one of their own actions.
+    for (QAction* action : mMenuBar->actions()) {
+        QMenu* menu = action->menu();
+        if (menu && menu->parent() == mMenuBar)
+            menu->deleteLater();
+    }
     mMenuBar->clear();
     delete mToolBar;
     takeCentralWidget();

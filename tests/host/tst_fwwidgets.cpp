@@ -326,12 +326,16 @@ void tst_FwWidgets::shouldRunTheFormLifeCycle()
     QCOMPARE(form->toolBar(), window.formToolBar());
     QCOMPARE(window.formToolBar()->actions().size(), 1);
     QCOMPARE(window.fwMenuBar()->actions().size(), 1);
+    const QPointer<QMenu> menu = window.fwMenuBar()->actions().first()->menu();
+    QVERIFY(menu);
     QVERIFY(window.closeForm());
     QCOMPARE(form->calls.mid(4), (QStringList{QStringLiteral("close"), QStringLiteral("closed")}));
     QVERIFY(!window.form());
     QVERIFY(window.fwMenuBar()->actions().isEmpty());
     QVERIFY(!window.formToolBar());
     QTRY_VERIFY(form.isNull()); // the window deletes the form it took over
+    // The menus that the form put on the bar go with it: each opening would leave another set.
+    QTRY_VERIFY(menu.isNull());
 }
 
 void tst_FwWidgets::shouldKeepTheLoggedInUser()
