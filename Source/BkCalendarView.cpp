@@ -19,7 +19,35 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <cmath>
 #include <limits>
+
+namespace {
+
+// The id of a status row as an int, when it is one. A floating-point id counts only as a whole number:
+// rounded, a fraction would take another status's place, and converting an infinite or far too large
+// one to an integer is undefined.
+bool readStatusId(const QVariant& value, int* id)
+{
+    const int type = value.userType();
+    if (type == QMetaType::Double || type == QMetaType::Float) {
+        const double number = value.toDouble();
+        if (!std::isfinite(number) || std::trunc(number) != number ||
+            number < double(std::numeric_limits<int>::min()) ||
+            number > double(std::numeric_limits<int>::max()))
+            return false;
+        *id = int(number);
+        return true;
+    }
+    bool ok = false;
+    const qlonglong whole = value.toLongLong(&ok);
+    if (!ok || whole < std::numeric_limits<int>::min() || whole > std::numeric_limits<int>::max())
+        return false;
+    *id = int(whole);
+    return true;
+}
+
+} // namespace
 
 BkCalendarView::BkCalendarView(QWidget* parent)
     : QGraphicsView(parent)
@@ -343,11 +371,10 @@ void BkCalendarView::loadCalendarStatus()
         // A row without a numeric id cannot be told apart from status 0, and one beyond an int would
         // be cut to another status's id; such rows are left out rather than overwrite a status. A
         // colour that does not parse is kept as an invalid colour.
-        bool ok = false;
-        const qlonglong id = query.value(0).toLongLong(&ok);
-        if (!ok || id < std::numeric_limits<int>::min() || id > std::numeric_limits<int>::max())
+        int id = 0;
+        if (!readStatusId(query.value(0), &id))
             continue;
-        BkCalendarStatusEntry& entry = mScheme.statusColors[int(id)];
+        BkCalendarStatusEntry& entry = mScheme.statusColors[id];
         entry.name = query.value(1).toString();
         QColor color;
         color.setNamedColor(query.value(2).toString());

@@ -178,6 +178,8 @@ private slots:
     void shouldLoadTheStatusColours();
     void shouldKeepAnUnreadableColourAndSkipARowWithoutAnIntId();
     void shouldClearTheStatusColoursWhenTheQueryFails();
+    void shouldSkipARowWhoseIdIsNoWholeNumber_data();
+    void shouldSkipARowWhoseIdIsNoWholeNumber();
 
     void shouldShowConsecutiveDaysFromTheWeekStart_data();
     void shouldShowConsecutiveDaysFromTheWeekStart();
@@ -345,6 +347,39 @@ void tst_BkCalendarView::shouldClearTheStatusColoursWhenTheQueryFails()
     view.loadCalendarStatus();
     QVERIFY(view.colorScheme()->statusColors.isEmpty());
     makeCaseStage();
+}
+
+void tst_BkCalendarView::shouldSkipARowWhoseIdIsNoWholeNumber_data()
+{
+    // Ids that a database hands over as floating-point numbers. Rounded or cut, each would file its
+    // row under status 4 or 0, or under no id that the statuses can have.
+    QTest::addColumn<QString>("id");
+    QTest::newRow("a fraction") << QStringLiteral("4.4");
+    QTest::newRow("below a whole number") << QStringLiteral("3.6");
+    QTest::newRow("minus infinity") << QStringLiteral("-9e999");
+    QTest::newRow("infinity") << QStringLiteral("9e999");
+    QTest::newRow("far below an int") << QStringLiteral("-1e19");
+    QTest::newRow("far beyond an int") << QStringLiteral("1e300");
+}
+
+void tst_BkCalendarView::shouldSkipARowWhoseIdIsNoWholeNumber()
+{
+    QFETCH(QString, id);
+    SQLQuery query;
+    // A column without a declared type keeps the numbers as the database was given them.
+    QVERIFY(query.exec(QStringLiteral("DROP TABLE tbl_casestage")));
+    QVERIFY(query.exec(QStringLiteral("CREATE TABLE tbl_casestage (id, fw_name, fw_color)")));
+    QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (4, 'Billed', '#00ff00')")));
+    QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (%1, 'Odd', '#0000ff')").arg(id)));
+    // A whole number is a whole number, whatever its type.
+    QVERIFY(query.exec(QStringLiteral("INSERT INTO tbl_casestage VALUES (8.0, 'Closed', '#ffff00')")));
+    BkCalendarView view;
+    makeCaseStage();
+    const QMap<int, BkCalendarStatusEntry>& colours = view.colorScheme()->statusColors;
+    QCOMPARE(colours.keys(), (QList<int>{4, 8}));
+    QCOMPARE(colours.value(4).name, QStringLiteral("Billed"));
+    QCOMPARE(colours.value(4).color, QColor(0, 255, 0));
+    QCOMPARE(colours.value(8).name, QStringLiteral("Closed"));
 }
 
 void tst_BkCalendarView::shouldShowConsecutiveDaysFromTheWeekStart_data()
