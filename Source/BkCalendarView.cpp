@@ -47,6 +47,29 @@ bool readStatusId(const QVariant& value, int* id)
     return true;
 }
 
+// Selecting or deselecting a column lets the host in: the column tells the view of a new date, and the
+// scene tells of any change. Qt goes on with the column after telling, so the columns that the host's
+// answer takes away meanwhile are retired rather than deleted.
+void selectColumn(BkCalendarColumn* column, bool selected)
+{
+    BkCalendarPainting::HostVisit visit;
+    column->setSelected(selected);
+}
+
+// Selects the columns of `live` for which `wanted` holds and deselects the others, from the left. False
+// when the host has rebuilt the columns in an answer: its build has set the selection of its own, and
+// the old columns are left alone.
+template <typename Wanted> bool selectColumns(const QList<BkCalendarColumn*>& live, Wanted wanted)
+{
+    const QList<BkCalendarColumn*> columns = live;
+    for (BkCalendarColumn* column : columns) {
+        selectColumn(column, wanted(column));
+        if (live != columns)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 BkCalendarView::BkCalendarView(QWidget* parent)
@@ -202,8 +225,9 @@ void BkCalendarView::setDays(int days)
     }
 
     makeDeferredBoxes();
-    for (BkCalendarColumn* column : qAsConst(mColumns))
-        column->setSelected(column->date() == mSelectedDate);
+    if (!selectColumns(mColumns,
+                       [this](const BkCalendarColumn* column) { return column->date() == mSelectedDate; }))
+        return;
     resizeEvent(nullptr);
 }
 
@@ -259,9 +283,11 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
     }
 
     makeDeferredBoxes();
-    for (BkCalendarColumn* column : qAsConst(mColumns))
-        column->setSelected(column->resource().type == mResource.type &&
-                            column->resource().id == mResource.id);
+    const bool kept = selectColumns(mColumns, [this](const BkCalendarColumn* column) {
+        return column->resource().type == mResource.type && column->resource().id == mResource.id;
+    });
+    if (!kept)
+        return;
     if (!mColumns.isEmpty()) {
         resizeEvent(nullptr);
         return;
@@ -286,11 +312,13 @@ void BkCalendarView::setDate(QDate date)
     mSelectedDate = date;
     if (mDayMode && offset >= 0 && offset < mColumns.count() && mDate.dayOfWeek() == mWeekStart) {
         // Already on show: only the highlight moves.
-        for (BkCalendarColumn* column : qAsConst(mColumns))
-            column->setSelected(false);
-        BkCalendarColumn* column = mColumns.at(int(offset));
-        column->setSelected(true);
-        column->setFocus(Qt::OtherFocusReason);
+        const QList<BkCalendarColumn*> columns = mColumns;
+        if (!selectColumns(mColumns, [](const BkCalendarColumn*) { return false; }))
+            return;
+        BkCalendarColumn* column = columns.at(int(offset));
+        selectColumn(column, true);
+        if (mColumns == columns)
+            column->setFocus(Qt::OtherFocusReason);
         return;
     }
     mDate = date;
@@ -299,10 +327,15 @@ void BkCalendarView::setDate(QDate date)
 
 void BkCalendarView::update()
 {
+    // A load request or a selection lets the host in. Should its answer rebuild the columns, the build
+    // has dated and selected the new ones, and the rest of the old ones is left alone.
+    const QList<BkCalendarColumn*> columns = mColumns;
     if (!mDayMode) {
-        for (BkCalendarColumn* column : qAsConst(mColumns)) {
+        for (BkCalendarColumn* column : columns) {
             column->setDate(mDate);
             column->update();
+            if (mColumns != columns)
+                return;
         }
         return;
     }
@@ -316,8 +349,8 @@ void BkCalendarView::update()
             mDate = mDate.addDays(-back);
     }
 
-    for (int i = 0; i < mColumns.count(); ++i) {
-        BkCalendarColumn* column = mColumns.at(i);
+    for (int i = 0; i < columns.count(); ++i) {
+        BkCalendarColumn* column = columns.at(i);
         const QDate date = mDate.addDays(i);
         column->setDate(date);
         // A column of the view's person (its id of the same type too, so that both updates read the
@@ -328,10 +361,16 @@ void BkCalendarView::update()
         column->setDeferBoxes(shown == mResource && shown.id.userType() == mResource.id.userType() &&
                               mModel && mModel->covers(mResource, date));
         column->update();
+        if (mColumns != columns)
+            return;
         column->setDeferBoxes(false);
         column->setResource(mResource);
         column->update();
-        column->setSelected(date == mSelectedDate);
+        if (mColumns != columns)
+            return;
+        selectColumn(column, date == mSelectedDate);
+        if (mColumns != columns)
+            return;
     }
 }
 

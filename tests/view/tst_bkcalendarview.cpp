@@ -210,6 +210,8 @@ private slots:
     void shouldBuildTheBoxesOfAnUpdateThatTheHostsAnswerStarts();
     void shouldShowTheBuiltMembersToAHostAnsweringALaterMember();
     void shouldShowTheBuiltDaysToAHostAnsweringALaterDay();
+    void shouldOutliveAHostThatRebuildsTheColumnsWhenTheSelectionMoves_data();
+    void shouldOutliveAHostThatRebuildsTheColumnsWhenTheSelectionMoves();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data();
@@ -883,6 +885,72 @@ struct AnnasShownWeek : BkShownView
     QPoint point;
 };
 } // namespace
+
+void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsWhenTheSelectionMoves_data()
+{
+    // Anna's week from Monday on, Monday selected. The host hears of the new selection, of a date from
+    // the view or of any change from the scene, and rebuilds the columns in its answer, once.
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<bool>("fromScene");
+    QTest::addColumn<int>("rebuildTo");
+    QTest::addColumn<QList<QDate>>("dates");
+    QTest::addColumn<QList<int>>("selected");
+    QTest::newRow("a date within the week")
+        << QStringLiteral("Wednesday") << false << 1 << QList<QDate>({Monday}) << QList<int>();
+    QTest::newRow("a date in another week") << QStringLiteral("a fortnight on") << false << 1
+                                            << QList<QDate>({Monday.addDays(14)}) << QList<int>();
+    QTest::newRow("more days") << QStringLiteral("seven days") << false << 1 << QList<QDate>({Monday})
+                               << QList<int>({0});
+    QTest::newRow("a group") << QStringLiteral("group") << false << 1 << QList<QDate>({Monday})
+                             << QList<int>({0});
+    QTest::newRow("the scene, a date within the week")
+        << QStringLiteral("Wednesday") << true << 7 << daysFrom(Monday, 7) << QList<int>({2});
+    QTest::newRow("the scene, a date in another week") << QStringLiteral("a fortnight on") << true << 7
+                                                       << daysFrom(Monday.addDays(14), 7) << QList<int>({2});
+}
+
+void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsWhenTheSelectionMoves()
+{
+    QFETCH(QString, action);
+    QFETCH(bool, fromScene);
+    QFETCH(int, rebuildTo);
+    QFETCH(QList<QDate>, dates);
+    QFETCH(QList<int>, selected);
+    AnnasWeek f;
+    QCOMPARE(selectedIndices(f.view), QList<int>({0}));
+    bool answered = false;
+    auto answer = [&] {
+        if (answered)
+            return;
+        answered = true;
+        f.view.setDays(rebuildTo);
+    };
+    if (fromScene)
+        connect(f.view.scene(), &QGraphicsScene::selectionChanged, &f.view, answer);
+    else
+        connect(&f.view, &BkCalendarView::dateSelected, &f.view, answer);
+
+    if (action == QLatin1String("Wednesday"))
+        f.view.setDate(Wednesday);
+    else if (action == QLatin1String("a fortnight on"))
+        f.view.setDate(Wednesday.addDays(14));
+    else if (action == QLatin1String("seven days"))
+        f.view.setDays(7);
+    else
+        f.view.setResources({f.view.resource(), BkCalendarResource(5, QStringLiteral("Ben"), 0)});
+
+    QVERIFY(answered);
+    QCOMPARE(f.view.dayMode(), 1);
+    QCOMPARE(columnDates(f.view), dates);
+    QCOMPARE(selectedIndices(f.view), selected);
+    // The columns that the host's answer replaced have left the scene.
+    int shown = 0;
+    for (QGraphicsItem* item : f.view.scene()->items())
+        shown += item->data(ItemKindRole).toInt() == ItemKindColumn;
+    QCOMPARE(shown, dates.size());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!f.view.grab().isNull());
+}
 
 void tst_BkCalendarView::shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick()
 {
