@@ -28,9 +28,10 @@ public:
     // reach them one by one; anything else goes to drawLine itself.
     static void drawRowLine(QPainter* painter, int x1, int y, int x2);
 
-    // Qt holds on to the items of a scene while it draws them, until the whole picture is done; yet a
-    // booking's paint lets the host in when it selects its column. The paint holds a HostVisit for
-    // that time, and what the host's answer takes away is retired instead of deleted.
+    // Qt holds on to the items of a scene while it draws them, until the whole picture is done, and to
+    // an item while it tells of a change to it; yet a selection lets the host in, and a booking's paint
+    // selects its column. Whoever selects holds a HostVisit for that time, and what the host's answer
+    // takes away is retired instead of deleted.
     class HostVisit
     {
     public:
