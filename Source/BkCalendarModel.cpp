@@ -56,8 +56,10 @@ BkCalendarModel::~BkCalendarModel()
 
 bool BkCalendarModel::addItem(BkCalendarItem* item)
 {
-    if (item)
-        item->setToolTipsEnabled(mToolTipsEnabled);
+    // A null from the host is refused; filed, it would crash every reader of its day.
+    if (!item)
+        return false;
+    item->setToolTipsEnabled(mToolTipsEnabled);
     if (!item->id.isNull() && mIdHash->contains(item->id.toInt()))
         return false;
     const QVariant resourceId = item->resourceId();
@@ -80,6 +82,8 @@ bool BkCalendarModel::addItem(BkCalendarItem* item)
 
 void BkCalendarModel::addItem(BkCalendarPlan* plan)
 {
+    if (!plan)
+        return;
     mPlanStore[plan->date][plan->resource].append(plan);
     emit planAdded(plan);
 }

@@ -63,6 +63,7 @@ private slots:
     void shouldKeepItemWithoutKeysInAllItemsOnly();
     void shouldFindById();
     void shouldAskForKeyZeroWhenContainsGetsNullId();
+    void shouldRefuseANullBookingOrPlan();
     void shouldUnfileOnRemoveAndLeaveEmptyLists();
     void shouldNotCreateEntriesOnRemove();
     void shouldAddAndFindPlans();
@@ -828,6 +829,21 @@ void TestBkCalendarModel::shouldTellOnlyItemsWithIdOfToolTipSetting()
     model.removeItem(withoutId);
     QVERIFY(model.addItem(withoutId));
     QVERIFY(second.toolTip().isEmpty());
+}
+
+void TestBkCalendarModel::shouldRefuseANullBookingOrPlan()
+{
+    BkCalendarModel model;
+    QSignalSpy added(&model, &BkCalendarModel::itemAdded);
+    QSignalSpy planned(&model, &BkCalendarModel::planAdded);
+    QVERIFY(!model.addItem(static_cast<BkCalendarItem*>(nullptr)));
+    model.addItem(static_cast<BkCalendarPlan*>(nullptr));
+    QCOMPARE(added.count(), 0);
+    QCOMPARE(planned.count(), 0);
+    QVERIFY(model.allItems().isEmpty());
+    // The store still works as before.
+    QVERIFY(model.addItem(makeItem(1, 3, QVariant())));
+    QCOMPARE(added.count(), 1);
 }
 
 void TestBkCalendarModel::shouldRelayUpdateWithoutSignal()
