@@ -652,6 +652,36 @@ int selectedIndex(const QList<BkCalendarItem*>& items)
     return -1;
 }
 
+// Takes the selection from one box to the next. A change of selection is told to the host at once,
+// and its answer may take bookings away or rebuild the column; so both boxes are named before the
+// host is let in, the bookings are not read again, and the walk ends at a box that is gone or has
+// lost its booking.
+void moveSelection(BkCalendarItemWidget* from, BkCalendarItemWidget* to, bool focusFirst)
+{
+    const QPointer<BkCalendarItemWidget> old(from);
+    const QPointer<BkCalendarItemWidget> target(to);
+    const auto targetGone = [&target]() { return !target || !target->item(); };
+    if (old)
+        old->clearFocus();
+    if (old)
+        old->setSelected(false);
+    if (targetGone())
+        return;
+    if (focusFirst)
+        target->setFocus(Qt::OtherFocusReason);
+    else
+        target->setSelected(true);
+    if (targetGone())
+        return;
+    if (focusFirst)
+        target->setSelected(true);
+    else
+        target->setFocus(Qt::OtherFocusReason);
+    if (targetGone())
+        return;
+    target->ensureVisible(QRectF(), 50, 50);
+}
+
 } // namespace
 
 void BkCalendarColumn::selectNextItem()
@@ -661,14 +691,7 @@ void BkCalendarColumn::selectNextItem()
         return;
     const int current = selectedIndex(items);
     const int target = (current < 0 || current == items.size() - 1) ? 0 : current + 1;
-    if (current >= 0) {
-        items.at(current)->widget->clearFocus();
-        items.at(current)->widget->setSelected(false);
-    }
-    BkCalendarItemWidget* widget = items.at(target)->widget;
-    widget->setFocus(Qt::OtherFocusReason);
-    widget->setSelected(true);
-    widget->ensureVisible(QRectF(), 50, 50);
+    moveSelection(current >= 0 ? items.at(current)->widget : nullptr, items.at(target)->widget, true);
 }
 
 void BkCalendarColumn::selectPreviousItem()
@@ -678,14 +701,7 @@ void BkCalendarColumn::selectPreviousItem()
         return;
     const int current = selectedIndex(items);
     const int target = (current <= 0) ? items.size() - 1 : current - 1;
-    if (current >= 0) {
-        items.at(current)->widget->clearFocus();
-        items.at(current)->widget->setSelected(false);
-    }
-    BkCalendarItemWidget* widget = items.at(target)->widget;
-    widget->setSelected(true);
-    widget->setFocus(Qt::OtherFocusReason);
-    widget->ensureVisible(QRectF(), 50, 50);
+    moveSelection(current >= 0 ? items.at(current)->widget : nullptr, items.at(target)->widget, false);
 }
 
 // The state of one layout run, shared with the runs nested in it. Its answers are the column's kept

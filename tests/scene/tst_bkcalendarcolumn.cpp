@@ -86,6 +86,8 @@ private slots:
     void shouldWalkBackwardThroughSortedItems();
     void shouldNotWalkWhenOnlyReservedItems();
     void shouldKeepBoxlessItemsOutOfWalks();
+    void shouldEndWalkWhenHostReloadsAtSelectionChange_data();
+    void shouldEndWalkWhenHostReloadsAtSelectionChange();
     void shouldActivatePlanOnDoubleClickOfBookableBlock();
     void shouldOfferPlanMenuOnContextMenuOfBookableBlock();
     void shouldOfferPlanMenuOnRightReleaseOfAnyBlock();
@@ -778,6 +780,63 @@ void tst_BkCalendarColumn::shouldKeepBoxlessItemsOutOfWalks()
     alone.column->selectNextItem();
     alone.column->selectPreviousItem();
     QVERIFY(!alone.column->getSelectedItem());
+}
+
+void tst_BkCalendarColumn::shouldEndWalkWhenHostReloadsAtSelectionChange_data()
+{
+    QTest::addColumn<bool>("forward");
+    QTest::newRow("next") << true;
+    QTest::newRow("previous") << false;
+}
+
+// The scene tells the host of every change of selection at once. A host that reloads its bookings
+// there takes the walk's bookings away; the boxes stay until the next update, with no booking.
+void tst_BkCalendarColumn::shouldEndWalkWhenHostReloadsAtSelectionChange()
+{
+    QFETCH(bool, forward);
+    BkColumnFixture fixture;
+    QGraphicsView view(&fixture.scene);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowActive(&view));
+    BkCalendarItem* early = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* late = fixture.addItem(QTime(14, 0), QTime(15, 0), 2);
+    if (forward)
+        fixture.column->selectNextItem();
+    else
+        fixture.column->selectPreviousItem();
+    QVERIFY((forward ? early : late)->widget->isSelected());
+    const QList<BkCalendarItemWidget*> boxes = fixture.widgets();
+    QCOMPARE(boxes.size(), 2);
+
+    int reloads = 0;
+    connect(&fixture.scene, &QGraphicsScene::selectionChanged, this, [&] {
+        if (reloads++)
+            return;
+        // The host reloads, and the day it reads now is another one.
+        fixture.model.clear();
+        for (int i = 0; i < 4; ++i) {
+            auto* other = new BkCalendarItem();
+            other->id = 10 + i;
+            other->setDate(fixture.date.addDays(1));
+            other->setUserId(fixture.resource.id);
+            other->setTime(QTime(8 + i, 0), QTime(9 + i, 0));
+            fixture.model.addItem(other);
+        }
+    });
+    if (forward)
+        fixture.column->selectNextItem();
+    else
+        fixture.column->selectPreviousItem();
+    QCOMPARE(reloads, 1);
+    // The boxes wait for the column's next update with no booking: none is selected, none has focus.
+    QCOMPARE(fixture.widgets(), boxes);
+    for (BkCalendarItemWidget* box : boxes) {
+        QVERIFY(!box->item());
+        QVERIFY(!box->isSelected());
+        QVERIFY(!box->hasFocus());
+    }
+    fixture.column->update();
+    QVERIFY(fixture.widgets().isEmpty());
 }
 
 void tst_BkCalendarColumn::shouldActivatePlanOnDoubleClickOfBookableBlock()
