@@ -556,9 +556,16 @@ void BkCalendarColumn::itemAdded(BkCalendarItem* item)
 
 QVariant BkCalendarColumn::itemChange(QGraphicsItem::GraphicsItemChange change, const QVariant& value)
 {
-    if (change == ItemSelectedChange && value.toBool())
-        emit dateSelected(mDate);
-    else if (change == ItemChildAddedChange || change == ItemChildRemovedChange) {
+    if (change == ItemSelectedChange) {
+        // Qt goes on with this column after the host's answer, and a press after that as well;
+        // what the host takes away meanwhile lasts until the event loop.
+        if (!mSelectionVisit)
+            mSelectionVisit.emplace();
+        if (value.toBool())
+            emit dateSelected(mDate);
+    } else if (change == ItemSelectedHasChanged) {
+        mSelectionVisit.reset();
+    } else if (change == ItemChildAddedChange || change == ItemChildRemovedChange) {
         auto* child = qvariant_cast<QGraphicsItem*>(value);
         if (mHeader && child && child != mHeader) {
             if (change == ItemChildRemovedChange)

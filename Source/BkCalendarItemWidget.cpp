@@ -338,6 +338,9 @@ QList<BkCalendarItemWidget*> BkCalendarItemWidget::intersectList(QList<BkCalenda
 
 QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange change, const QVariant& value)
 {
+    // The end of a change of selection that let the host in; a box retired meanwhile ends it too.
+    if (change == ItemSelectedHasChanged)
+        mSelectionVisit.reset();
     // A box whose booking is gone waits for its deletion and takes part in nothing.
     if (!mItem)
         return QVariant(false);
@@ -365,6 +368,12 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
             }
             return pos();
         }
+        break;
+    case ItemSelectedChange:
+        // Qt tells the scene's listeners before it has done with this box, and a press goes on
+        // with the box after that; what the host takes away meanwhile lasts until the event loop.
+        if (!mSelectionVisit)
+            mSelectionVisit.emplace();
         break;
     case ItemPositionHasChanged:
         if (mColumn)

@@ -3,6 +3,7 @@
 
 #include "BkCalendarItemKind.h"
 #include "BkCalendarModel.h"
+#include "BkCalendarPainting.h"
 #include "BkCalendarRecords.h"
 #include "FwCalendarGlobal.h"
 
@@ -16,6 +17,7 @@
 #include <QTime>
 
 #include <memory>
+#include <optional>
 
 class BkCalendarColorScheme;
 class BkCalendarHeader;
@@ -192,6 +194,9 @@ private:
     // The children besides the header, and whether they stand before it in the order of coming.
     int mOtherChildren;
     bool mOthersBeforeHeader;
+    // Held while Qt changes the column's selection: the column tells the host of its date in the
+    // middle of it, and what the host's answer takes away meanwhile is retired, not deleted.
+    std::optional<BkCalendarPainting::HostVisit> mSelectionVisit;
 };
 
 #endif // BKCALENDARCOLUMN_H

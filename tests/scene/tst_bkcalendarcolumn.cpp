@@ -92,6 +92,8 @@ private slots:
     void shouldOfferPlanMenuOnContextMenuOfBookableBlock();
     void shouldOfferPlanMenuOnRightReleaseOfAnyBlock();
     void shouldOfferPlanMenuOnAPlainRightClick();
+    void shouldOutliveABoxThatTheHostRebuildsWhenItIsClicked();
+    void shouldOutliveAColumnThatTheHostDropsWhenItIsClicked();
     void shouldFindPlanAtTime();
     void shouldForwardHeaderActivation();
     void shouldSetHeaderText();
@@ -964,6 +966,70 @@ void tst_BkCalendarColumn::shouldOfferPlanMenuOnAPlainRightClick()
     sendMouse(view, QEvent::MouseButtonRelease, outside, Qt::RightButton, Qt::NoButton);
     QCOMPARE(menu.count(), 2);
     QVERIFY(!fixture.scene.mouseGrabberItem());
+}
+
+void tst_BkCalendarColumn::shouldOutliveABoxThatTheHostRebuildsWhenItIsClicked()
+{
+    // A click selects the box, and the scene tells the host at once, while Qt is still selecting it
+    // and handling the press. A host that answers by showing the day afresh takes the box away.
+    BkColumnFixture fixture;
+    QGraphicsView view(&fixture.scene);
+    QVERIFY(showWhole(view));
+    BkCalendarItem* booking = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    QPointer<BkCalendarItemWidget> box = booking->widget;
+    int told = 0;
+    connect(&fixture.scene, &QGraphicsScene::selectionChanged, this, [&] {
+        if (told++ == 0)
+            fixture.column->update();
+    });
+    const QPointF at = box->sceneBoundingRect().center();
+    sendMouse(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
+    QVERIFY(told > 0);
+    // The old box is out of the scene, and goes once the event loop comes round.
+    QVERIFY(box);
+    QVERIFY(!box->scene());
+    QVERIFY(!box->item());
+    QVERIFY(booking->widget);
+    QVERIFY(booking->widget != box);
+    QCOMPARE(fixture.widgets(), QList<BkCalendarItemWidget*>{booking->widget});
+    sendMouse(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
+    BkColumnFixture::flushDeletes();
+    QVERIFY(!box);
+    // The new box takes a click like any other.
+    QPointer<BkCalendarItemWidget> fresh = booking->widget;
+    sendMouse(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
+    sendMouse(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
+    QVERIFY(fresh);
+    QVERIFY(fresh->isSelected());
+}
+
+void tst_BkCalendarColumn::shouldOutliveAColumnThatTheHostDropsWhenItIsClicked()
+{
+    // A click selects the column, which tells the host of its date while Qt is still selecting it. A
+    // host that answers with another set of days has the view take this column away.
+    BkColumnFixture fixture;
+    QGraphicsView view(&fixture.scene);
+    QVERIFY(showWhole(view));
+    BkCalendarItem* booking = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    QPointer<BkCalendarItemWidget> box = booking->widget;
+    QPointer<BkCalendarColumn> column = fixture.column;
+    QList<QDate> told;
+    connect(fixture.column, &BkCalendarColumn::dateSelected, this, [&](QDate date) {
+        told << date;
+        BkCalendarColumn::discard(column);
+    });
+    sendMouse(view, QEvent::MouseButtonPress, QPointF(150, sceneY(QTime(15, 0))), Qt::LeftButton,
+              Qt::LeftButton);
+    QCOMPARE(told, QList<QDate>{fixture.date});
+    QVERIFY(column);
+    QVERIFY(!column->scene());
+    QVERIFY(!booking->widget);
+    sendMouse(view, QEvent::MouseButtonRelease, QPointF(150, sceneY(QTime(15, 0))), Qt::LeftButton,
+              Qt::NoButton);
+    BkColumnFixture::flushDeletes();
+    QVERIFY(!column);
+    QVERIFY(!box);
+    fixture.column = nullptr;
 }
 
 void tst_BkCalendarColumn::shouldFindPlanAtTime()
