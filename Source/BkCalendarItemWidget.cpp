@@ -654,11 +654,10 @@ void BkCalendarItemWidget::paint(QPainter* painter, const QStyleOptionGraphicsIt
     if (option && (option->state & QStyle::State_Selected)) {
         painter->setBrush(QBrush(mSelectedGradient));
         // Selecting a booking selects its column as well, and the column tells the host of its date.
-        // The host's answer may take this box away, or its booking: then it draws nothing more.
-        if (parentItem()) {
-            BkCalendarPainting::HostVisit visit;
+        // The host's answer may take this box away (it is then retired, see the column's itemChange),
+        // or its booking: then it draws nothing more.
+        if (parentItem())
             parentItem()->setSelected(true);
-        }
         if (!mItem)
             return;
     } else {

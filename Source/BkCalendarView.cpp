@@ -47,15 +47,6 @@ bool readStatusId(const QVariant& value, int* id)
     return true;
 }
 
-// Selecting or deselecting a column lets the host in: the column tells the view of a new date, and the
-// scene tells of any change. Qt goes on with the column after telling, so the columns that the host's
-// answer takes away meanwhile are retired rather than deleted.
-void selectColumn(BkCalendarColumn* column, bool selected)
-{
-    BkCalendarPainting::HostVisit visit;
-    column->setSelected(selected);
-}
-
 // Selects the columns of `live` for which `wanted` holds and deselects the others, from the left. False
 // when the host has rebuilt the columns in an answer: its build has set the selection of its own, and
 // the old columns are left alone.
@@ -63,7 +54,7 @@ template <typename Wanted> bool selectColumns(const QList<BkCalendarColumn*>& li
 {
     const QList<BkCalendarColumn*> columns = live;
     for (BkCalendarColumn* column : columns) {
-        selectColumn(column, wanted(column));
+        column->setSelected(wanted(column));
         if (live != columns)
             return false;
     }
@@ -316,7 +307,7 @@ void BkCalendarView::setDate(QDate date)
         if (!selectColumns(mColumns, [](const BkCalendarColumn*) { return false; }))
             return;
         BkCalendarColumn* column = columns.at(int(offset));
-        selectColumn(column, true);
+        column->setSelected(true);
         if (mColumns == columns)
             column->setFocus(Qt::OtherFocusReason);
         return;
@@ -368,7 +359,7 @@ void BkCalendarView::update()
         column->update();
         if (mColumns != columns)
             return;
-        selectColumn(column, date == mSelectedDate);
+        column->setSelected(date == mSelectedDate);
         if (mColumns != columns)
             return;
     }

@@ -29,9 +29,10 @@ public:
     static void drawRowLine(QPainter* painter, int x1, int y, int x2);
 
     // Qt holds on to the items of a scene while it draws them, until the whole picture is done, and to
-    // an item while it tells of a change to it; yet a selection lets the host in, and a booking's paint
-    // selects its column. Whoever selects holds a HostVisit for that time, and what the host's answer
-    // takes away is retired instead of deleted.
+    // an item while it changes its selection; yet a change of selection lets the host in (a column
+    // tells of its date, the scene of the change), and a booking's paint selects its column. A column
+    // or box holds a HostVisit while its selection changes, and what the host's answer takes away
+    // meanwhile is retired instead of deleted.
     class HostVisit
     {
     public:
