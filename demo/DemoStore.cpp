@@ -134,6 +134,8 @@ DemoStore::DemoStore(BkCalendarModel* model, QObject* parent)
     , mModel(model)
 {
     qRegisterMetaType<QList<DemoBookingRow>>();
+    // A cleared model reads everything anew.
+    connect(mModel, &BkCalendarModel::reset, this, [this]() { mKnown.clear(); });
 }
 
 bool DemoStore::fail(const QString& why)
@@ -228,6 +230,7 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
         if (!isShowable(row) || mModel->findId(row.id))
             continue;
         BkCalendarItem* item = row.makeItem();
+        mKnown.insert(row.id, DemoBookingRow::fromItem(item));
         item->setBlocked(true);
         mModel->addItem(item);
         item->setBlocked(false);
@@ -277,16 +280,20 @@ std::optional<DemoBookingRow> DemoStore::readRow(int id) const
 
 bool DemoStore::writeRow(DemoBookingRow& row)
 {
-    return writeRow(row, row.id > 0 ? readRow(row.id) : std::nullopt);
+    if (!writeRow(row, row.id > 0 ? readRow(row.id) : std::nullopt, nullptr))
+        return false;
+    mKnown.insert(row.id, row);
+    return true;
 }
 
-bool DemoStore::writeRow(DemoBookingRow& row, const std::optional<DemoBookingRow>& stored)
+bool DemoStore::writeRow(DemoBookingRow& row, const std::optional<DemoBookingRow>& stored,
+                         const DemoBookingRow* known)
 {
     if (row.id > 0 && stored) {
         // Only the fields whose value changed are written. A stored value that the demo cannot read
         // (a status that is no number, a colour that does not parse) reads as none, and stays in the
         // file as it is until the user gives that field a value of its own.
-        const QVariantList was = valuesOf(*stored);
+        const QVariantList was = valuesOf(known ? *known : *stored);
         const QVariantList now = valuesOf(row);
         QStringList sets;
         QVariantList values;
@@ -322,7 +329,10 @@ bool DemoStore::removeRow(int id)
     SQLQuery remove;
     remove.prepare(QStringLiteral("DELETE FROM demo_booking WHERE id = ?"));
     remove.addBindValue(id);
-    return remove.exec() || fail(remove.lastError().text());
+    if (!remove.exec())
+        return fail(remove.lastError().text());
+    mKnown.remove(id);
+    return true;
 }
 
 void DemoStore::saveItems(const QList<BkCalendarItem*>& items)
@@ -338,8 +348,10 @@ void DemoStore::saveItems(const QList<BkCalendarItem*>& items)
         DemoBookingRow row = DemoBookingRow::fromItem(item);
         const std::optional<DemoBookingRow> stored = row.id > 0 ? readRow(row.id) : std::nullopt;
         before << stored.value_or(DemoBookingRow());
-        ok = writeRow(row, stored);
-        after << row;
+        const auto known = mKnown.constFind(row.id);
+        ok = writeRow(row, stored, known == mKnown.cend() ? nullptr : &known.value());
+        // What the table holds now, with another program's edits of the fields left alone.
+        after << (ok ? readRow(row.id).value_or(row) : row);
     }
     ok = ok && (db.commit() || fail(db.lastError().text()));
     if (!ok) {
@@ -362,6 +374,7 @@ void DemoStore::saveItems(const QList<BkCalendarItem*>& items)
             items.at(i)->id = after.at(i).id;
             items.at(i)->invalidate(false);
         }
+        mKnown.insert(after.at(i).id, DemoBookingRow::fromItem(items.at(i)));
     }
     emit written(before, after);
 }

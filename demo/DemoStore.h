@@ -6,6 +6,7 @@
 #include <BkCalendarRecords.h>
 #include <BkCalendarStatusEntry.h>
 
+#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QObject>
@@ -36,7 +37,8 @@ public:
 
     std::optional<DemoBookingRow> readRow(int id) const;
     // Inserts a row without an id and gives it one; writes the changed fields of a row with an id,
-    // inserting it again if it was deleted (so that undo of a deletion keeps the id).
+    // inserting it again if it was deleted (so that undo of a deletion keeps the id). The calendar
+    // shows the row as written from then on.
     bool writeRow(DemoBookingRow& row);
     bool removeRow(int id);
     QString lastError() const { return mError; }
@@ -54,11 +56,18 @@ signals:
 
 private:
     bool fail(const QString& why);
-    // As writeRow, with the row as the table holds it now, read by the caller.
-    bool writeRow(DemoBookingRow& row, const std::optional<DemoBookingRow>& stored);
+    // As writeRow, with the row as the table holds it now, read by the caller. The fields written are
+    // those in which `row` differs from `known`, the row as the calendar last had it, or from the
+    // stored row when the calendar had none.
+    bool writeRow(DemoBookingRow& row, const std::optional<DemoBookingRow>& stored,
+                  const DemoBookingRow* known);
 
     BkCalendarModel* mModel;
     QString mError;
+    // Each booking of the model as it was read from the table or last written there, by id. A save
+    // writes the fields that the calendar changed since, and leaves the others as another program
+    // may have written them in the meantime.
+    QHash<int, DemoBookingRow> mKnown;
 };
 
 #endif // DEMOSTORE_H

@@ -145,6 +145,7 @@ private slots:
     void shouldFindEverythingAfterReopening();
     void shouldWriteCreationEditDeletionAndTheirUndo();
     void shouldLoseNothingWhenASaveFails();
+    void shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit();
     void shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges();
     void shouldRefuseANewerSchema();
     void shouldReadOnlyWellFormedGroupEntries();
@@ -177,6 +178,9 @@ void tst_DemoApp::init()
 
 void tst_DemoApp::cleanup()
 {
+    // A test that turned the file read-only and failed half-way leaves it writable for the next one.
+    QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false)
+        .setConnectOptions(QString());
     mDb.close();
     BkCalendarClock::setFixedNow(QDateTime());
 }
@@ -431,6 +435,47 @@ void tst_DemoApp::shouldLoseNothingWhenASaveFails()
             .toInt(),
         4);
     QVERIFY(!window.calendar()->model()->isInvalid(item));
+}
+
+// Another program edits a booking while it is on show; the move saved here writes the times alone,
+// and its undo sets them back, both leaving the other program's edit in place.
+void tst_DemoApp::shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit()
+{
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarColumn* column = window.calendar()->view()->getColumnList().first();
+    BkCalendarItem* item = movableBooking(column);
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    const QTime start = item->start();
+    const QTime end = item->end();
+    QVERIFY(writeBack(mFile,
+                      QStringLiteral("UPDATE demo_booking SET bk_title = 'Renamed elsewhere', bk_status = 5, "
+                                     "bk_flags = 2 WHERE id = ?"),
+                      id));
+    const auto stored = [this, id](const char* column) {
+        return readBack(
+            mFile, QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?").arg(QLatin1String(column)), id);
+    };
+
+    QSignalSpy written(window.store(), &DemoStore::written);
+    item->setTime(start.addSecs(15 * 60), end.addSecs(15 * 60));
+    item->commit(false);
+    QTRY_COMPARE_WITH_TIMEOUT(written.count(), 1, 20000);
+    QCOMPARE(stored("bk_start").toString(), start.addSecs(15 * 60).toString(QStringLiteral("HH:mm:ss")));
+    QCOMPARE(stored("bk_end").toString(), end.addSecs(15 * 60).toString(QStringLiteral("HH:mm:ss")));
+    QCOMPARE(stored("bk_title").toString(), QStringLiteral("Renamed elsewhere"));
+    QCOMPARE(stored("bk_status").toInt(), 5);
+    QCOMPARE(stored("bk_flags").toInt(), 2);
+    QCOMPARE(window.undoStack()->undoText(), QStringLiteral("Move \"Renamed elsewhere\""));
+
+    window.undoStack()->undo();
+    QCOMPARE(stored("bk_start").toString(), start.toString(QStringLiteral("HH:mm:ss")));
+    QCOMPARE(stored("bk_end").toString(), end.toString(QStringLiteral("HH:mm:ss")));
+    QCOMPARE(stored("bk_title").toString(), QStringLiteral("Renamed elsewhere"));
+    QCOMPARE(stored("bk_status").toInt(), 5);
+    QCOMPARE(item->start(), start);
 }
 
 void tst_DemoApp::shouldRefuseANewerSchema()
