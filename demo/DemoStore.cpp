@@ -263,8 +263,32 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
         blocks << plan;
     }
     plans.query().finish();
-    for (BkCalendarPlan* plan : qAsConst(blocks))
-        mModel->addItem(plan);
+    // A request for days that were asked for before finds their blocks in the model already: those
+    // are not added twice. Decided before any is added, as a day may hold two equal blocks.
+    QList<bool> known;
+    for (const BkCalendarPlan* plan : qAsConst(blocks))
+        known << hasPlan(*plan);
+    for (int i = 0; i < blocks.size(); ++i) {
+        if (known.at(i))
+            delete blocks.at(i);
+        else
+            mModel->addItem(blocks.at(i));
+    }
+}
+
+bool DemoStore::hasPlan(const BkCalendarPlan& plan) const
+{
+    const auto day = mModel->planStore().constFind(plan.date);
+    if (day == mModel->planStore().cend())
+        return false;
+    const auto key = day->constFind(plan.resource);
+    if (key == day->cend())
+        return false;
+    for (const BkCalendarPlan* other : *key)
+        if (other->start == plan.start && other->end == plan.end && other->bookable == plan.bookable &&
+            other->infoId == plan.infoId)
+            return true;
+    return false;
 }
 
 std::optional<DemoBookingRow> DemoStore::readRow(int id) const

@@ -56,6 +56,8 @@ signals:
 
 private:
     bool fail(const QString& why);
+    // Whether the model holds a block of this day and key with the same times, kind and bookability.
+    bool hasPlan(const BkCalendarPlan& plan) const;
     // As writeRow, with the row as the table holds it now, read by the caller. The fields written are
     // those in which `row` differs from `known`, the row as the calendar last had it, or from the
     // stored row when the calendar had none.

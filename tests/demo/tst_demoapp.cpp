@@ -146,6 +146,7 @@ private slots:
     void shouldWriteCreationEditDeletionAndTheirUndo();
     void shouldLoseNothingWhenASaveFails();
     void shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit();
+    void shouldAddEachPlanOnceWhenARangeIsAskedTwice();
     void shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges();
     void shouldRefuseANewerSchema();
     void shouldReadOnlyWellFormedGroupEntries();
@@ -476,6 +477,29 @@ void tst_DemoApp::shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit()
     QCOMPARE(stored("bk_title").toString(), QStringLiteral("Renamed elsewhere"));
     QCOMPARE(stored("bk_status").toInt(), 5);
     QCOMPARE(item->start(), start);
+}
+
+// The calendar asks for each day once, but a host can't tell a repeated request from a new one: the
+// answer to a second request for the same days adds no booking and no plan block twice.
+void tst_DemoApp::shouldAddEachPlanOnceWhenARangeIsAskedTwice()
+{
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarModel* model = window.calendar()->model();
+    BkCalendarColumn* column = columnOf(window.calendar(), Anna);
+    QVERIFY(column);
+    const int plans = model->plans(Wednesday, Anna).size();
+    const int items = model->items(Wednesday, Anna).size();
+    QCOMPARE(plans, countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_plan WHERE pl_type = 0 AND "
+                                                    "pl_key = 1 AND pl_date = '2026-11-25'")));
+    QVERIFY(items > 0);
+    QCOMPARE(column->plans().size(), plans);
+
+    window.store()->loadData(Wednesday.addDays(-1), Wednesday.addDays(1), Anna);
+    QCOMPARE(model->plans(Wednesday, Anna).size(), plans);
+    QCOMPARE(model->items(Wednesday, Anna).size(), items);
+    QCOMPARE(column->plans().size(), plans);
 }
 
 void tst_DemoApp::shouldRefuseANewerSchema()
