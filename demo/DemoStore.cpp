@@ -208,13 +208,17 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
         return;
     const bool user = who.type == 0;
     SQLQuery bookings;
-    bookings.prepare(QStringLiteral("SELECT %1 FROM demo_booking WHERE %2 = ? AND bk_date BETWEEN ? AND ? "
-                                    "ORDER BY bk_date, bk_start, id")
-                         .arg(columnsOf(true).join(QStringLiteral(", ")),
-                              user ? QStringLiteral("bk_user") : QStringLiteral("bk_resource")));
+    // A day stored with a time of day ("2026-11-26 00:00:00", as some programs write it) sorts after
+    // the bare day in SQLite: the last day asked for ends before the next one starts, and the day
+    // read back decides.
+    bookings.prepare(
+        QStringLiteral("SELECT %1 FROM demo_booking WHERE %2 = ? AND bk_date >= ? AND bk_date < ? "
+                       "ORDER BY bk_date, bk_start, id")
+            .arg(columnsOf(true).join(QStringLiteral(", ")),
+                 user ? QStringLiteral("bk_user") : QStringLiteral("bk_resource")));
     bookings.addBindValue(who.id.toInt());
     bookings.addBindValue(from);
-    bookings.addBindValue(to);
+    bookings.addBindValue(to.addDays(1));
     if (!bookings.exec()) {
         bookings.debugLastError(QStringLiteral("demo/DemoStore"), __LINE__);
         return;
@@ -227,7 +231,7 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
     bookings.query().finish();
     for (const DemoBookingRow& row : qAsConst(rows)) {
         // A booking of a user and a resource comes with both keys; the model holds it once.
-        if (!isShowable(row) || mModel->findId(row.id))
+        if (!isShowable(row) || row.date < from || row.date > to || mModel->findId(row.id))
             continue;
         BkCalendarItem* item = row.makeItem();
         mKnown.insert(row.id, DemoBookingRow::fromItem(item));
@@ -238,11 +242,11 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
 
     SQLQuery plans;
     plans.prepare(QStringLiteral("SELECT pl_date, pl_start, pl_end, pl_bookable, pl_info FROM demo_plan "
-                                 "WHERE pl_type = ? AND pl_key = ? AND pl_date BETWEEN ? AND ?"));
+                                 "WHERE pl_type = ? AND pl_key = ? AND pl_date >= ? AND pl_date < ?"));
     plans.addBindValue(user ? 0 : 1);
     plans.addBindValue(who.id.toInt());
     plans.addBindValue(from);
-    plans.addBindValue(to);
+    plans.addBindValue(to.addDays(1));
     if (!plans.exec()) {
         plans.debugLastError(QStringLiteral("demo/DemoStore"), __LINE__);
         return;
@@ -256,7 +260,9 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
         plan->bookable = plans.value(3).toInt() != 0;
         plan->infoId = plans.value(4).isNull() ? -1 : plans.value(4).toInt();
         plan->resource = BkCalendarResource(who.id.toInt(), who.name, who.type);
-        if (!plan->date.isValid() || !plan->start.isValid() || !plan->end.isValid()) {
+        // As with bookings, a block without a day or with times that make no span is left out.
+        if (!plan->date.isValid() || plan->date < from || plan->date > to || !plan->start.isValid() ||
+            !plan->end.isValid() || plan->end < plan->start) {
             delete plan;
             continue;
         }

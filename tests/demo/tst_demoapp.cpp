@@ -83,6 +83,23 @@ DemoBookingRow wednesdayRow(const QTime& start, const QTime& end, const QString&
     return row;
 }
 
+// Runs one statement on the file through a connection of its own, as another program would.
+bool runSql(const QString& file, const QString& sql)
+{
+    bool ok = false;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        db.setDatabaseName(file);
+        if (db.open()) {
+            QSqlQuery query(db);
+            ok = query.exec(sql);
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("other"));
+    return ok;
+}
+
 int countRows(const QString& file, const QString& sql)
 {
     int result = -1;
@@ -147,6 +164,8 @@ private slots:
     void shouldLoseNothingWhenASaveFails();
     void shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit();
     void shouldAddEachPlanOnceWhenARangeIsAskedTwice();
+    void shouldReadTheRowsOfTheDaysAskedFor_data();
+    void shouldReadTheRowsOfTheDaysAskedFor();
     void shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges();
     void shouldRefuseANewerSchema();
     void shouldReadOnlyWellFormedGroupEntries();
@@ -500,6 +519,82 @@ void tst_DemoApp::shouldAddEachPlanOnceWhenARangeIsAskedTwice()
     QCOMPARE(model->plans(Wednesday, Anna).size(), plans);
     QCOMPARE(model->items(Wednesday, Anna).size(), items);
     QCOMPARE(column->plans().size(), plans);
+}
+
+// Rows written by another program: a booking or a plan block that can't be shown is left out, and a
+// day written with a time of day is read as that day, at either end of the days asked for.
+void tst_DemoApp::shouldReadTheRowsOfTheDaysAskedFor_data()
+{
+    QTest::addColumn<QString>("table");
+    QTest::addColumn<QString>("day");
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<QString>("end");
+    QTest::addColumn<QDate>("shownOn");
+
+    // The days asked for are Tuesday to Thursday of the seeded week.
+    for (const QString& table : {QStringLiteral("demo_booking"), QStringLiteral("demo_plan")}) {
+        const QByteArray name = table.toLatin1() + ": ";
+        QTest::newRow(name + "a plain row") << table << "2026-11-25"
+                                            << "09:00:00"
+                                            << "09:30:00" << Wednesday;
+        QTest::newRow(name + "ending before it starts") << table << "2026-11-25"
+                                                        << "15:00:00"
+                                                        << "14:00:00" << QDate();
+        QTest::newRow(name + "a time that is none") << table << "2026-11-25"
+                                                    << "soon"
+                                                    << "14:00:00" << QDate();
+        QTest::newRow(name + "a day that is none") << table << "2026-11-250"
+                                                   << "09:00:00"
+                                                   << "09:30:00" << QDate();
+        QTest::newRow(name + "the day after the days asked for") << table << "2026-11-27"
+                                                                 << "09:00:00"
+                                                                 << "09:30:00" << QDate();
+        QTest::newRow(name + "the first day with a time of day") << table << "2026-11-24 00:00:00"
+                                                                 << "09:00:00"
+                                                                 << "09:30:00" << Wednesday.addDays(-1);
+        QTest::newRow(name + "the last day with a time of day") << table << "2026-11-26 00:00:00"
+                                                                << "09:00:00"
+                                                                << "09:30:00" << Wednesday.addDays(1);
+        QTest::newRow(name + "the day after with a time of day") << table << "2026-11-27 00:00:00"
+                                                                 << "09:00:00"
+                                                                 << "09:30:00" << QDate();
+    }
+}
+
+void tst_DemoApp::shouldReadTheRowsOfTheDaysAskedFor()
+{
+    QFETCH(QString, table);
+    QFETCH(QString, day);
+    QFETCH(QString, start);
+    QFETCH(QString, end);
+    QFETCH(QDate, shownOn);
+    const BkCalendarResource who(9, QStringLiteral("Somebody new"), 0);
+    const QString insert =
+        table == QLatin1String("demo_booking")
+            ? QStringLiteral("INSERT INTO demo_booking (id, bk_date, bk_user, bk_start, bk_end, bk_title) "
+                             "VALUES (900001, '%1', 9, '%2', '%3', 'Odd')")
+            : QStringLiteral("INSERT INTO demo_plan (id, pl_date, pl_type, pl_key, pl_start, pl_end, "
+                             "pl_bookable, pl_info) VALUES (900001, '%1', 0, 9, '%2', '%3', 1, 1)");
+    QVERIFY(runSql(mFile, insert.arg(day, start, end)));
+
+    BkCalendarModel model;
+    DemoStore store(&model);
+    store.loadData(Wednesday.addDays(-1), Wednesday.addDays(1), who);
+    runSql(mFile, QStringLiteral("DELETE FROM %1 WHERE id = 900001").arg(table));
+
+    QList<QDate> days;
+    if (table == QLatin1String("demo_booking")) {
+        for (BkCalendarItem* item : model.allItems())
+            days << item->date();
+    } else {
+        for (auto date = model.planStore().cbegin(); date != model.planStore().cend(); ++date)
+            for (const QList<BkCalendarPlan*>& plans : date.value())
+                for (BkCalendarPlan* plan : plans) {
+                    QVERIFY(plan->start <= plan->end);
+                    days << plan->date;
+                }
+    }
+    QCOMPARE(days, shownOn.isValid() ? QList<QDate>{shownOn} : QList<QDate>());
 }
 
 void tst_DemoApp::shouldRefuseANewerSchema()
