@@ -17,6 +17,7 @@
 
 #include <FwApplication.h>
 #include <FwMenuBar.h>
+#include <FwMessageBox.h>
 #include <FwToolBar.h>
 
 #include <QAction>
@@ -285,7 +286,17 @@ void DemoWindow::saveLayout()
 void DemoWindow::closeEvent(QCloseEvent* event)
 {
     // What waits for the save timer is written now.
-    mCalendar->model()->commitToDatabase();
+    BkCalendarModel* model = mCalendar->model();
+    model->commitToDatabase();
+    // A failed save put its bookings back on the unsaved list; closing now would lose them.
+    if (!model->invalidItems().isEmpty() &&
+        FwMessageBox::question(
+            this, tr("Close the calendar"),
+            tr("The changes could not be saved: %1.\n\nClose anyway and lose them?").arg(mStore->lastError()),
+            QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes) {
+        event->ignore();
+        return;
+    }
     saveLayout();
     FwMainWindow::closeEvent(event);
 }

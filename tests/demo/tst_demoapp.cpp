@@ -22,7 +22,9 @@
 #include <FwApplication.h>
 
 #include <QImage>
+#include <QMessageBox>
 #include <QProcess>
+#include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -162,6 +164,7 @@ private slots:
     void shouldFindEverythingAfterReopening();
     void shouldWriteCreationEditDeletionAndTheirUndo();
     void shouldLoseNothingWhenASaveFails();
+    void shouldAskBeforeClosingOnChangesItCouldNotSave();
     void shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit();
     void shouldAddEachPlanOnceWhenARangeIsAskedTwice();
     void shouldReadTheRowsOfTheDaysAskedFor_data();
@@ -455,6 +458,75 @@ void tst_DemoApp::shouldLoseNothingWhenASaveFails()
             .toInt(),
         4);
     QVERIFY(!window.calendar()->model()->isInvalid(item));
+}
+
+// Closing writes what waits for the save timer. When that write fails the user is asked: No keeps the
+// window and the changes, and the next close writes them; Yes closes and leaves the file as it was.
+void tst_DemoApp::shouldAskBeforeClosingOnChangesItCouldNotSave()
+{
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    BkCalendarItem* item = movableBooking(window.calendar()->view()->getColumnList().first());
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    const QString titleSql = QStringLiteral("SELECT bk_title FROM demo_booking WHERE id = ?");
+    const QString before = readBack(mFile, titleSql, id).toString();
+
+    QSqlDatabase db = QSqlDatabase::database();
+    db.close();
+    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+    QVERIFY(db.open());
+    DemoBookingRow changed = DemoBookingRow::fromItem(item);
+    changed.title = QStringLiteral("Not written yet");
+    QVERIFY(window.editBooking(item, changed));
+
+    QString asked;
+    FwTest::whenModal([&asked](QWidget* modal) {
+        auto* box = qobject_cast<QMessageBox*>(modal);
+        QVERIFY(box);
+        asked = box->text();
+        box->button(QMessageBox::No)->click();
+    });
+    QVERIFY(!window.close());
+    QVERIFY2(asked.contains(QStringLiteral("could not be saved")), qPrintable(asked));
+    QVERIFY(window.isVisible());
+    QVERIFY(window.calendar()->model()->isInvalid(item));
+    QCOMPARE(item->title(), QStringLiteral("Not written yet"));
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), before);
+
+    db.close();
+    db.setConnectOptions(QString());
+    QVERIFY(db.open());
+    QVERIFY(window.close());
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Not written yet"));
+
+    // Once more on a file that stays read-only, answered Yes: the window goes, the file is untouched.
+    DemoWindow second(1);
+    second.showView(DemoWindow::Day);
+    second.calendar()->setDate(Wednesday);
+    second.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&second));
+    BkCalendarItem* again = second.calendar()->model()->findId(id);
+    QVERIFY(again);
+    db.close();
+    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+    QVERIFY(db.open());
+    changed = DemoBookingRow::fromItem(again);
+    changed.title = QStringLiteral("Given up");
+    QVERIFY(second.editBooking(again, changed));
+    FwTest::whenModal([](QWidget* modal) {
+        auto* box = qobject_cast<QMessageBox*>(modal);
+        QVERIFY(box);
+        box->button(QMessageBox::Yes)->click();
+    });
+    QVERIFY(second.close());
+    db.close();
+    db.setConnectOptions(QString());
+    QVERIFY(db.open());
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Not written yet"));
 }
 
 // Another program edits a booking while it is on show; the move saved here writes the times alone,
