@@ -51,7 +51,10 @@ BookingDialog::BookingDialog(const DemoBookingRow& row, const QMap<int, BkCalend
     mKind->addItem(tr("Meeting"), int(BkCalendarItem::Meeting));
     mKind->addItem(tr("Reserved"), int(BkCalendarItem::Reserved));
     mKind->addItem(tr("Note only"), int(BkCalendarItem::TextOnly));
-    mKind->setCurrentIndex(qMax(0, mKind->findData(row.type)));
+    // A kind that another program stored and the calendar has no name for stays as it is.
+    if (mKind->findData(row.type) < 0)
+        mKind->addItem(tr("Other (%1)").arg(row.type), row.type);
+    mKind->setCurrentIndex(mKind->findData(row.type));
 
     mStatus = new QComboBox(this);
     mStatus->setObjectName(QStringLiteral("status"));
@@ -61,7 +64,10 @@ BookingDialog::BookingDialog(const DemoBookingRow& row, const QMap<int, BkCalend
         swatch.fill(it.value().color.isValid() ? it.value().color : QColor(Qt::transparent));
         mStatus->addItem(QIcon(swatch), it.value().name, it.key());
     }
-    mStatus->setCurrentIndex(row.statusId.isNull() ? 0 : qMax(0, mStatus->findData(row.statusId.toInt())));
+    // So does a status that is gone from the list, until the user picks another.
+    if (!row.statusId.isNull() && mStatus->findData(row.statusId.toInt()) < 0)
+        mStatus->addItem(tr("Unknown status %1").arg(row.statusId.toInt()), row.statusId.toInt());
+    mStatus->setCurrentIndex(row.statusId.isNull() ? 0 : mStatus->findData(row.statusId.toInt()));
 
     mPhone = new QCheckBox(tr("Call back by phone"), this);
     mPhone->setObjectName(QStringLiteral("phone"));
@@ -118,7 +124,9 @@ DemoBookingRow BookingDialog::row() const
     row.end = mEnd->time();
     row.type = mKind->currentData().toInt();
     row.statusId = mStatus->currentData();
-    row.flags = (mPhone->isChecked() ? int(BkCalendarItem::FlagPhone) : 0) |
+    // Bits other than phone and mail are kept, though the calendar gives them no meaning.
+    const int own = int(BkCalendarItem::FlagPhone) | int(BkCalendarItem::FlagMail);
+    row.flags = (mRow.flags & ~own) | (mPhone->isChecked() ? int(BkCalendarItem::FlagPhone) : 0) |
                 (mMail->isChecked() ? int(BkCalendarItem::FlagMail) : 0);
     row.locked = mLocked->isChecked() ? 1 : 0;
     return row;

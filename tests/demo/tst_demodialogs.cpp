@@ -80,6 +80,8 @@ private slots:
     void shouldEditEveryFieldOfABooking();
     void shouldRefuseABookingThatEndsBeforeItStarts();
     void shouldLeaveTheTextAsItWasUnlessEdited();
+    void shouldLeaveValuesItHasNoChoiceForAsTheyWere_data();
+    void shouldLeaveValuesItHasNoChoiceForAsTheyWere();
     void shouldReadAndWriteTheSettings();
     void shouldChooseAndOrderTheGroup();
     void shouldCreateABookingOnADoubleClickOfAFreeBlock();
@@ -165,6 +167,62 @@ void tst_DemoDialogs::shouldLeaveTheTextAsItWasUnlessEdited()
     BookingDialog dialog(row, {});
     QCOMPARE(dialog.row().text, row.text);
     QCOMPARE(dialog.row(), row);
+}
+
+// A booking as another program stored it: a kind, flag bits, a status or seconds that the dialog has
+// no choice for stay as they were when the user changes something else, and change when the user
+// picks a value of the dialog's own.
+void tst_DemoDialogs::shouldLeaveValuesItHasNoChoiceForAsTheyWere_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("flags");
+    QTest::addColumn<QVariant>("statusId");
+    QTest::addColumn<QTime>("start");
+
+    QTest::newRow("plain") << 0 << 0 << QVariant(1) << QTime(9, 0);
+    QTest::newRow("a kind of another program") << 2 << 0 << QVariant(1) << QTime(9, 0);
+    QTest::newRow("flag bits of another program") << 0 << (8 | 1) << QVariant(1) << QTime(9, 0);
+    QTest::newRow("a status that is gone") << 0 << 0 << QVariant(42) << QTime(9, 0);
+    QTest::newRow("a start with seconds") << 0 << 0 << QVariant(1) << QTime(9, 0, 37);
+}
+
+void tst_DemoDialogs::shouldLeaveValuesItHasNoChoiceForAsTheyWere()
+{
+    QFETCH(int, type);
+    QFETCH(int, flags);
+    QFETCH(QVariant, statusId);
+    QFETCH(QTime, start);
+    DemoBookingRow row;
+    row.id = 7;
+    row.date = Wednesday;
+    row.start = start;
+    row.end = QTime(9, 30);
+    row.title = QStringLiteral("Roth");
+    row.type = type;
+    row.flags = flags;
+    row.statusId = statusId;
+    QMap<int, BkCalendarStatusEntry> statuses;
+    statuses[1].name = QStringLiteral("Booked");
+    statuses[4].name = QStringLiteral("Done");
+
+    BookingDialog dialog(row, statuses);
+    dialog.show();
+    dialog.titleEdit()->selectAll();
+    QTest::keyClicks(dialog.titleEdit(), QStringLiteral("Roth, again"));
+    DemoBookingRow expected = row;
+    expected.title = QStringLiteral("Roth, again");
+    QCOMPARE(dialog.row(), expected);
+
+    // Values of the dialog's own replace them.
+    dialog.kindBox()->setCurrentIndex(dialog.kindBox()->findText(QStringLiteral("Meeting")));
+    dialog.statusBox()->setCurrentIndex(dialog.statusBox()->findText(QStringLiteral("Done")));
+    dialog.findChild<QCheckBox*>(QStringLiteral("mail"))->click();
+    dialog.startEdit()->setTime(QTime(9, 15));
+    const DemoBookingRow edited = dialog.row();
+    QCOMPARE(edited.type, int(BkCalendarItem::Meeting));
+    QCOMPARE(edited.statusId.toInt(), 4);
+    QCOMPARE(edited.flags, flags | int(BkCalendarItem::FlagMail));
+    QCOMPARE(edited.start, QTime(9, 15));
 }
 
 void tst_DemoDialogs::shouldReadAndWriteTheSettings()
