@@ -204,8 +204,11 @@ QString DemoStore::nameOf(const BkCalendarResource& who) const
 
 void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarResource& who)
 {
-    if (who.id.isNull() || !from.isValid() || !to.isValid())
+    if (who.id.isNull() || !to.isValid())
         return;
+    // A key that a host looked at with BkCalendarModel::loaded before its first read is asked for
+    // with no first day: the model then counts every day up to `to` as read, and so is it answered.
+    const QDate first = from.isValid() ? from : QDate(1, 1, 1);
     const bool user = who.type == 0;
     SQLQuery bookings;
     // A day stored with a time of day ("2026-11-26 00:00:00", as some programs write it) sorts after
@@ -217,7 +220,7 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
             .arg(columnsOf(true).join(QStringLiteral(", ")),
                  user ? QStringLiteral("bk_user") : QStringLiteral("bk_resource")));
     bookings.addBindValue(who.id.toInt());
-    bookings.addBindValue(from);
+    bookings.addBindValue(first);
     bookings.addBindValue(to.addDays(1));
     if (!bookings.exec()) {
         bookings.debugLastError(QStringLiteral("demo/DemoStore"), __LINE__);
@@ -245,7 +248,7 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
                                  "WHERE pl_type = ? AND pl_key = ? AND pl_date >= ? AND pl_date < ?"));
     plans.addBindValue(user ? 0 : 1);
     plans.addBindValue(who.id.toInt());
-    plans.addBindValue(from);
+    plans.addBindValue(first);
     plans.addBindValue(to.addDays(1));
     if (!plans.exec()) {
         plans.debugLastError(QStringLiteral("demo/DemoStore"), __LINE__);

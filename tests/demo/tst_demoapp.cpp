@@ -169,6 +169,7 @@ private slots:
     void shouldAddEachPlanOnceWhenARangeIsAskedTwice();
     void shouldReadTheRowsOfTheDaysAskedFor_data();
     void shouldReadTheRowsOfTheDaysAskedFor();
+    void shouldAnswerARequestWithoutAFirstDay();
     void shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges();
     void shouldRefuseANewerSchema();
     void shouldReadOnlyWellFormedGroupEntries();
@@ -667,6 +668,37 @@ void tst_DemoApp::shouldReadTheRowsOfTheDaysAskedFor()
                 }
     }
     QCOMPARE(days, shownOn.isValid() ? QList<QDate>{shownOn} : QList<QDate>());
+}
+
+// A host that asks the model whether a day is loaded, before any read of that key, makes it send its
+// first request with no first day; the model counts every earlier day as read from then on.
+void tst_DemoApp::shouldAnswerARequestWithoutAFirstDay()
+{
+    BkCalendarModel model;
+    DemoStore store(&model);
+    connect(&model, &BkCalendarModel::loadData, &store, &DemoStore::loadData);
+    QSignalSpy loads(&model, &BkCalendarModel::loadData);
+    QVERIFY(!model.loaded(Anna, Wednesday));
+    const QList<BkCalendarItem*> items = model.items(Wednesday, Anna);
+    QCOMPARE(loads.count(), 1);
+    QVERIFY(!loads.first().at(0).toDate().isValid());
+    QCOMPARE(loads.first().at(1).toDate(), Wednesday.addDays(8));
+
+    const QString annas =
+        QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE bk_user = 1 AND bk_date %1");
+    QCOMPARE(items.size(), countRows(mFile, annas.arg(QStringLiteral("= '2026-11-25'"))));
+    QVERIFY(!items.isEmpty());
+    QCOMPARE(
+        model.plans(Wednesday, Anna).size(),
+        countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_plan WHERE pl_type = 0 AND pl_key = 1 "
+                                        "AND pl_date = '2026-11-25'")));
+    // Two weeks back is read already: it sends nothing, and its bookings are there.
+    const QDate earlier = Wednesday.addDays(-14);
+    QCOMPARE(model.items(earlier, Anna).size(),
+             countRows(mFile, annas.arg(QStringLiteral("= '%1'").arg(earlier.toString(Qt::ISODate)))));
+    QVERIFY(!model.items(earlier, Anna).isEmpty());
+    QCOMPARE(loads.count(), 1);
+    QCOMPARE(model.allItems().size(), countRows(mFile, annas.arg(QStringLiteral("<= '2026-12-03'"))));
 }
 
 void tst_DemoApp::shouldRefuseANewerSchema()
