@@ -20,14 +20,19 @@ DemoChangeCommand::DemoChangeCommand(DemoStore* store, const DemoBookingRow& bef
 
 void DemoChangeCommand::undo()
 {
+    if (mSkip) {
+        mSkip = false;
+        mSucceeded = true;
+        return;
+    }
     show(mAfter, mBefore);
 }
 
 void DemoChangeCommand::redo()
 {
-    // The stack redoes a command as it is pushed; that change is made already.
-    if (mPushed) {
-        mPushed = false;
+    if (mSkip) {
+        mSkip = false;
+        mSucceeded = true;
         return;
     }
     show(mBefore, mAfter);

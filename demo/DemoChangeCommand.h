@@ -21,6 +21,8 @@ public:
 
     // Whether the command could do its work the last time; a failure is told to the user.
     bool succeeded() const { return mSucceeded; }
+    // The next undo or redo does nothing: the stack steps over a change that is in place already.
+    void skipNext() { mSkip = true; }
 
 private:
     void show(const DemoBookingRow& from, DemoBookingRow to);
@@ -28,7 +30,8 @@ private:
     DemoStore* mStore;
     DemoBookingRow mBefore;
     DemoBookingRow mAfter;
-    bool mPushed = true;
+    // True as the command is pushed: the stack redoes it then, and the change is made already.
+    bool mSkip = true;
     bool mSucceeded = true;
 };
 

@@ -37,6 +37,33 @@ int allShows()
            BkCalendar::ShowGroup;
 }
 
+// The changes of one step of the undo stack: one change, or those of a macro. The stack hands out
+// its steps as const; their skip flag is not the stack's business.
+QList<DemoChangeCommand*> changesOf(const QUndoCommand* step)
+{
+    QList<DemoChangeCommand*> changes;
+    if (!step)
+        return changes;
+    if (const auto* change = dynamic_cast<const DemoChangeCommand*>(step))
+        changes << const_cast<DemoChangeCommand*>(change);
+    for (int i = 0; i < step->childCount(); ++i)
+        changes << changesOf(step->child(i));
+    return changes;
+}
+
+// Marks the changes of a step that failed to skip their next run, and tells whether there were any.
+bool skipFailed(const QUndoCommand* step)
+{
+    bool failed = false;
+    for (DemoChangeCommand* change : changesOf(step)) {
+        if (!change->succeeded()) {
+            change->skipNext();
+            failed = true;
+        }
+    }
+    return failed;
+}
+
 bool movedOnly(const DemoBookingRow& before, const DemoBookingRow& after)
 {
     DemoBookingRow moved = before;
@@ -94,8 +121,12 @@ void DemoWindow::setupActions()
 {
     QAction* undo = mUndo->createUndoAction(this, tr("&Undo"));
     undo->setShortcut(QKeySequence(tr("Ctrl+Z")));
+    disconnect(undo, SIGNAL(triggered()), mUndo, SLOT(undo()));
+    connect(undo, &QAction::triggered, this, &DemoWindow::undoChange);
     QAction* redo = mUndo->createRedoAction(this, tr("&Redo"));
     redo->setShortcut(QKeySequence(tr("Ctrl+Shift+Z")));
+    disconnect(redo, SIGNAL(triggered()), mUndo, SLOT(redo()));
+    connect(redo, &QAction::triggered, this, &DemoWindow::redoChange);
 
     auto* today = new QAction(QIcon(QStringLiteral(":/calendar/calendar.png")), tr("Today"), this);
     today->setShortcut(QKeySequence(tr("Ctrl+T")));
@@ -146,6 +177,27 @@ void DemoWindow::setupActions()
     practice->addSeparator();
     QAction* quit = practice->addAction(tr("&Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence::Quit);
+}
+
+void DemoWindow::undoChange()
+{
+    const int index = mUndo->index();
+    if (index == 0)
+        return;
+    mUndo->undo();
+    // The stack counts the step as undone whatever happened: what was taken back is done again.
+    if (skipFailed(mUndo->command(index - 1)))
+        mUndo->redo();
+}
+
+void DemoWindow::redoChange()
+{
+    const int index = mUndo->index();
+    if (index >= mUndo->count())
+        return;
+    mUndo->redo();
+    if (skipFailed(mUndo->command(index)))
+        mUndo->undo();
 }
 
 QList<BkCalendarResource> DemoWindow::savedGroup() const

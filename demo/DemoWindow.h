@@ -57,6 +57,10 @@ public:
     void setStatus(BkCalendarItem* item, const QVariant& statusId);
 
 public slots:
+    // One step back or forward on the undo stack. A step that could not be written stays where it
+    // was, so that trying again takes back this change and not the one before it.
+    void undoChange();
+    void redoChange();
     void chooseGroup();
     void openSettings();
     void step(int direction);

@@ -21,6 +21,7 @@
 
 #include <FwApplication.h>
 
+#include <QAction>
 #include <QImage>
 #include <QMessageBox>
 #include <QProcess>
@@ -170,6 +171,7 @@ private slots:
     void shouldReadTheRowsOfTheDaysAskedFor_data();
     void shouldReadTheRowsOfTheDaysAskedFor();
     void shouldAnswerARequestWithoutAFirstDay();
+    void shouldKeepAStepThatCouldNotBeUndoneForTheNextTry();
     void shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges();
     void shouldRefuseANewerSchema();
     void shouldReadOnlyWellFormedGroupEntries();
@@ -699,6 +701,59 @@ void tst_DemoApp::shouldAnswerARequestWithoutAFirstDay()
     QVERIFY(!model.items(earlier, Anna).isEmpty());
     QCOMPARE(loads.count(), 1);
     QCOMPARE(model.allItems().size(), countRows(mFile, annas.arg(QStringLiteral("<= '2026-12-03'"))));
+}
+
+// The user undoes an edit while a newer change of that booking waits for its save: the edit can't be
+// taken back yet and stays the next step back, so that trying again a moment later takes back the
+// newest change and then that edit, and not the creation before them.
+void tst_DemoApp::shouldKeepAStepThatCouldNotBeUndoneForTheNextTry()
+{
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    QUndoStack* stack = window.undoStack();
+    QAction* undo = nullptr;
+    for (QAction* action : window.findChildren<QAction*>())
+        if (action->shortcut() == QKeySequence(QStringLiteral("Ctrl+Z")))
+            undo = action;
+    QVERIFY(undo);
+    const QString titleSql = QStringLiteral("SELECT bk_title FROM demo_booking WHERE id = ?");
+
+    BkCalendarItem* created =
+        window.createBooking(Anna, wednesdayRow(QTime(16, 0), QTime(16, 15), QStringLiteral("First step")));
+    QVERIFY(created);
+    const int createdId = created->id.toInt();
+    BkCalendarItem* item = movableBooking(window.calendar()->view()->getColumnList().first());
+    QVERIFY(item && item != created);
+    const int id = item->id.toInt();
+    const QString title = readBack(mFile, titleSql, id).toString();
+    QSignalSpy written(window.store(), &DemoStore::written);
+    DemoBookingRow changed = DemoBookingRow::fromItem(item);
+    changed.title = QStringLiteral("Second step");
+    QVERIFY(window.editBooking(item, changed));
+    QTRY_COMPARE_WITH_TIMEOUT(written.count(), 1, 20000);
+    QCOMPARE(stack->count(), 2);
+
+    changed.title = QStringLiteral("Third step");
+    QVERIFY(window.editBooking(item, changed));
+    undo->trigger();
+    QVERIFY2(FwApplication::app()->currentMessage().contains(QStringLiteral("not saved yet")),
+             qPrintable(FwApplication::app()->currentMessage()));
+    QCOMPARE(stack->index(), 2);
+    QVERIFY(!stack->canRedo());
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Second step"));
+    QCOMPARE(readBack(mFile, titleSql, createdId).toString(), QStringLiteral("First step"));
+
+    QTRY_COMPARE_WITH_TIMEOUT(written.count(), 2, 20000);
+    QCOMPARE(stack->count(), 3);
+    undo->trigger();
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Second step"));
+    undo->trigger();
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), title);
+    QCOMPARE(readBack(mFile, titleSql, createdId).toString(), QStringLiteral("First step"));
+    QCOMPARE(stack->index(), 1);
+    undo->trigger();
+    QVERIFY(readBack(mFile, titleSql, createdId).isNull());
 }
 
 void tst_DemoApp::shouldRefuseANewerSchema()
