@@ -33,6 +33,9 @@ struct DemoBookingRow
     QColor bottomColor;
 
     bool isValid() const { return id > 0; }
+    // The box colours of a booking that has none of its own.
+    static QColor defaultTopColor() { return QColor(214, 228, 250); }
+    static QColor defaultBottomColor() { return QColor(150, 182, 232); }
 
     static DemoBookingRow fromItem(const BkCalendarItem* item);
     // A new booking, not yet in a model, with the values of this row (its saved values too).

@@ -77,6 +77,13 @@ DemoBookingRow rowOf(const SQLQuery& query)
     row.rightColor = colourOf(query.value(13));
     row.topColor = colourOf(query.value(14));
     row.bottomColor = colourOf(query.value(15));
+    // The calendar fills a box with these two, and an invalid colour fills it black: a row that has
+    // none, or none that parses, gets those of a new booking. The file keeps what it holds until the
+    // user changes a colour, as the row read back reads the same.
+    if (!row.topColor.isValid())
+        row.topColor = DemoBookingRow::defaultTopColor();
+    if (!row.bottomColor.isValid())
+        row.bottomColor = DemoBookingRow::defaultBottomColor();
     return row;
 }
 
@@ -261,7 +268,12 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
         plan->start = plans.value(1).toTime();
         plan->end = plans.value(2).toTime();
         plan->bookable = plans.value(3).toInt() != 0;
-        plan->infoId = plans.value(4).isNull() ? -1 : plans.value(4).toInt();
+        // A kind that is no number or names no kind counts as none, like an empty one: the block is
+        // drawn as one without a kind, where a lookup would find no colour and fill it black.
+        bool kind = false;
+        plan->infoId = plans.value(4).toInt(&kind);
+        if (!kind || mModel->planInfo(plan->infoId).id.isNull())
+            plan->infoId = -1;
         plan->resource = BkCalendarResource(who.id.toInt(), who.name, who.type);
         // As with bookings, a block without a day or with times that make no span is left out.
         if (!plan->date.isValid() || plan->date < from || plan->date > to || !plan->start.isValid() ||

@@ -359,8 +359,8 @@ BkCalendarItem* DemoWindow::createBooking(const BkCalendarResource& who, DemoBoo
     row.userId = who.type == 0 ? QVariant(who.id.toInt()) : QVariant();
     row.resourceId = who.type == 0 ? QVariant() : QVariant(who.id.toInt());
     if (!row.topColor.isValid()) {
-        row.topColor = QColor(214, 228, 250);
-        row.bottomColor = QColor(150, 182, 232);
+        row.topColor = DemoBookingRow::defaultTopColor();
+        row.bottomColor = DemoBookingRow::defaultBottomColor();
     }
     if (!mStore->writeRow(row)) {
         FwApplication::app()->showCritical(

@@ -12,6 +12,7 @@
 #include <BkCalendarItem.h>
 #include <BkCalendarItemWidget.h>
 #include <BkCalendarModel.h>
+#include <BkCalendarRecords.h>
 #include <BkCalendarTimeScale.h>
 #include <BkCalendarView.h>
 
@@ -172,6 +173,7 @@ private slots:
     void shouldReadTheRowsOfTheDaysAskedFor();
     void shouldAnswerARequestWithoutAFirstDay();
     void shouldKeepAStepThatCouldNotBeUndoneForTheNextTry();
+    void shouldGiveABookingWithoutColoursAndABlockWithoutAKindPlainOnes();
     void shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges();
     void shouldRefuseANewerSchema();
     void shouldReadOnlyWellFormedGroupEntries();
@@ -754,6 +756,52 @@ void tst_DemoApp::shouldKeepAStepThatCouldNotBeUndoneForTheNextTry()
     QCOMPARE(stack->index(), 1);
     undo->trigger();
     QVERIFY(readBack(mFile, titleSql, createdId).isNull());
+}
+
+// Another program stored a booking without its box colours and plan blocks whose kind is missing or
+// unknown: the calendar gets the colours of a new booking and blocks without a kind, where it would
+// fill them black, and a move leaves the stored values as they were.
+void tst_DemoApp::shouldGiveABookingWithoutColoursAndABlockWithoutAKindPlainOnes()
+{
+    QVERIFY(runSql(mFile, QStringLiteral("INSERT INTO demo_booking (id, bk_date, bk_user, bk_start, bk_end, "
+                                         "bk_title, bk_top, bk_bottom) VALUES (900002, '2026-11-25', 1, "
+                                         "'07:15:00', '07:30:00', 'Colourless', NULL, 'not a colour')")));
+    QVERIFY(
+        runSql(mFile, QStringLiteral("INSERT INTO demo_plan (id, pl_date, pl_type, pl_key, pl_start, pl_end, "
+                                     "pl_bookable, pl_info) VALUES (900002, '2026-11-25', 0, 1, '18:00:00', "
+                                     "'18:30:00', 1, 999), (900003, '2026-11-25', 0, 1, '18:30:00', "
+                                     "'19:00:00', 1, 'evening'), (900004, '2026-11-25', 0, 1, '07:00:00', "
+                                     "'08:00:00', 1, 2)")));
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarModel* model = window.calendar()->model();
+    BkCalendarItem* item = model->findId(900002);
+    QVERIFY(item);
+    QCOMPARE(item->topColor, DemoBookingRow::defaultTopColor());
+    QCOMPARE(item->bottomColor, DemoBookingRow::defaultBottomColor());
+    QMap<QTime, int> kinds;
+    for (const BkCalendarPlan* plan : model->plans(Wednesday, Anna))
+        kinds.insert(plan->start, plan->infoId);
+    QCOMPARE(kinds.value(QTime(18, 0)), -1);
+    QCOMPARE(kinds.value(QTime(18, 30)), -1);
+    QCOMPARE(kinds.value(QTime(7, 0)), 2);
+    QCOMPARE(kinds.value(QTime(8, 0)), 1);
+
+    QSignalSpy written(window.store(), &DemoStore::written);
+    item->setTime(QTime(7, 30), QTime(7, 45));
+    item->commit(false);
+    QTRY_COMPARE_WITH_TIMEOUT(written.count(), 1, 20000);
+    const auto stored = [this](const char* column) {
+        return readBack(mFile,
+                        QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?").arg(QLatin1String(column)),
+                        900002);
+    };
+    QCOMPARE(stored("bk_start").toString(), QStringLiteral("07:30:00"));
+    QVERIFY(stored("bk_top").isNull());
+    QCOMPARE(stored("bk_bottom").toString(), QStringLiteral("not a colour"));
+    QVERIFY(window.deleteBooking(item));
+    QVERIFY(runSql(mFile, QStringLiteral("DELETE FROM demo_plan WHERE id >= 900002")));
 }
 
 void tst_DemoApp::shouldRefuseANewerSchema()
