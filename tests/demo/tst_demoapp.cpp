@@ -754,6 +754,24 @@ void tst_DemoApp::shouldKeepAStepThatCouldNotBeUndoneForTheNextTry()
     QCOMPARE(readBack(mFile, titleSql, id).toString(), title);
     QCOMPARE(readBack(mFile, titleSql, createdId).toString(), QStringLiteral("First step"));
     QCOMPARE(stack->index(), 1);
+
+    // The same going forward: a redo that can't be written yet stays the next step forward.
+    QAction* redo = nullptr;
+    for (QAction* action : window.findChildren<QAction*>())
+        if (action->shortcut() == QKeySequence(QStringLiteral("Ctrl+Shift+Z")))
+            redo = action;
+    QVERIFY(redo);
+    changed = DemoBookingRow::fromItem(item);
+    changed.title = QStringLiteral("Fourth step");
+    QVERIFY(window.editBooking(item, changed));
+    redo->trigger();
+    QCOMPARE(stack->index(), 1);
+    QVERIFY(stack->canRedo());
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), title);
+    QTRY_COMPARE_WITH_TIMEOUT(written.count(), 3, 20000);
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Fourth step"));
+    undo->trigger();
+    QCOMPARE(readBack(mFile, titleSql, id).toString(), title);
     undo->trigger();
     QVERIFY(readBack(mFile, titleSql, createdId).isNull());
 }
