@@ -23,15 +23,11 @@ instants=(
     "2026-10-25 02:30:00"
 )
 
-# package_consumer builds a host project with CMake and Ninja, which compare file times with the clock:
-# under a clock set ahead of the file system's, Ninja finds its build.ninja forever dirty and gives up.
-excluded='^package_consumer$'
-
 cd "$BUILD_DIR"
 failed=()
 for instant in "${instants[@]}"; do
     echo "== suite at $instant ($TZ)"
-    if ! faketime "$instant" ctest --output-on-failure --timeout 300 -E "$excluded"; then
+    if ! faketime "$instant" ctest --output-on-failure --timeout 300; then
         failed+=("$instant")
     fi
 done
