@@ -37,42 +37,41 @@ namespace {
 const QDate Wednesday(2026, 11, 25);
 const BkCalendarResource Anna(1, QStringLiteral("Anna Berg"), 0);
 
-// Reads the file through a connection of its own, as another program would.
+// Runs `use` on the file through a connection of its own, as another program would.
+template <typename Use> void onOwnConnection(const QString& file, Use use)
+{
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        db.setDatabaseName(file);
+        if (db.open())
+            use(db);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("other"));
+}
+
 QVariant readBack(const QString& file, const QString& sql, int id)
 {
     QVariant result;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("reader"));
-        db.setDatabaseName(file);
-        if (db.open()) {
-            QSqlQuery query(db);
-            query.prepare(sql);
-            query.addBindValue(id);
-            if (query.exec() && query.next())
-                result = query.value(0);
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("reader"));
+    onOwnConnection(file, [&](QSqlDatabase& db) {
+        QSqlQuery query(db);
+        query.prepare(sql);
+        query.addBindValue(id);
+        if (query.exec() && query.next())
+            result = query.value(0);
+    });
     return result;
 }
 
-// Writes into the file through a connection of its own, as another program would.
 bool writeBack(const QString& file, const QString& sql, int id)
 {
     bool ok = false;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("writer"));
-        db.setDatabaseName(file);
-        if (db.open()) {
-            QSqlQuery query(db);
-            query.prepare(sql);
-            query.addBindValue(id);
-            ok = query.exec() && query.numRowsAffected() == 1;
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("writer"));
+    onOwnConnection(file, [&](QSqlDatabase& db) {
+        QSqlQuery query(db);
+        query.prepare(sql);
+        query.addBindValue(id);
+        ok = query.exec() && query.numRowsAffected() == 1;
+    });
     return ok;
 }
 
@@ -87,37 +86,21 @@ DemoBookingRow wednesdayRow(const QTime& start, const QTime& end, const QString&
     return row;
 }
 
-// Runs one statement on the file through a connection of its own, as another program would.
 bool runSql(const QString& file, const QString& sql)
 {
     bool ok = false;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
-        db.setDatabaseName(file);
-        if (db.open()) {
-            QSqlQuery query(db);
-            ok = query.exec(sql);
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("other"));
+    onOwnConnection(file, [&](QSqlDatabase& db) { ok = QSqlQuery(db).exec(sql); });
     return ok;
 }
 
 int countRows(const QString& file, const QString& sql)
 {
     int result = -1;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("counter"));
-        db.setDatabaseName(file);
-        if (db.open()) {
-            QSqlQuery query(sql, db);
-            if (query.next())
-                result = query.value(0).toInt();
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("counter"));
+    onOwnConnection(file, [&](QSqlDatabase& db) {
+        QSqlQuery query(sql, db);
+        if (query.next())
+            result = query.value(0).toInt();
+    });
     return result;
 }
 
@@ -130,6 +113,15 @@ BkCalendarColumn* columnOf(BkCalendar* calendar, const BkCalendarResource& who)
 }
 
 // A plain booking of the column that can move a quarter of an hour later inside its plan.
+// Opens the program's database file again, read-only or writable, under the running program.
+bool reopenDatabase(bool readOnly)
+{
+    QSqlDatabase db = QSqlDatabase::database();
+    db.close();
+    db.setConnectOptions(readOnly ? QStringLiteral("QSQLITE_OPEN_READONLY") : QString());
+    return db.open();
+}
+
 BkCalendarItem* movableBooking(BkCalendarColumn* column)
 {
     for (BkCalendarItem* item : column->getItems(true)) {
@@ -427,10 +419,7 @@ void tst_DemoApp::shouldLoseNothingWhenASaveFails()
     const QString before = readBack(mFile, titleSql, id).toString();
 
     // The file turns read-only under the running program.
-    QSqlDatabase db = QSqlDatabase::database();
-    db.close();
-    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-    QVERIFY(db.open());
+    QVERIFY(reopenDatabase(true));
 
     DemoBookingRow changed = DemoBookingRow::fromItem(item);
     changed.title = QStringLiteral("Written later");
@@ -445,9 +434,7 @@ void tst_DemoApp::shouldLoseNothingWhenASaveFails()
     QVERIFY(window.calendar()->model()->isInvalid(item));
     QCOMPARE(window.undoStack()->count(), 0);
 
-    db.close();
-    db.setConnectOptions(QString());
-    QVERIFY(db.open());
+    QVERIFY(reopenDatabase(false));
     // The next change's save writes both.
     BkCalendarItem* other = nullptr;
     for (BkCalendarItem* candidate : column->getItems(true))
@@ -480,10 +467,7 @@ void tst_DemoApp::shouldAskBeforeClosingOnChangesItCouldNotSave()
     const QString titleSql = QStringLiteral("SELECT bk_title FROM demo_booking WHERE id = ?");
     const QString before = readBack(mFile, titleSql, id).toString();
 
-    QSqlDatabase db = QSqlDatabase::database();
-    db.close();
-    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-    QVERIFY(db.open());
+    QVERIFY(reopenDatabase(true));
     DemoBookingRow changed = DemoBookingRow::fromItem(item);
     changed.title = QStringLiteral("Not written yet");
     QVERIFY(window.editBooking(item, changed));
@@ -502,9 +486,7 @@ void tst_DemoApp::shouldAskBeforeClosingOnChangesItCouldNotSave()
     QCOMPARE(item->title(), QStringLiteral("Not written yet"));
     QCOMPARE(readBack(mFile, titleSql, id).toString(), before);
 
-    db.close();
-    db.setConnectOptions(QString());
-    QVERIFY(db.open());
+    QVERIFY(reopenDatabase(false));
     QVERIFY(window.close());
     QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Not written yet"));
 
@@ -516,9 +498,7 @@ void tst_DemoApp::shouldAskBeforeClosingOnChangesItCouldNotSave()
     QVERIFY(QTest::qWaitForWindowExposed(&second));
     BkCalendarItem* again = second.calendar()->model()->findId(id);
     QVERIFY(again);
-    db.close();
-    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-    QVERIFY(db.open());
+    QVERIFY(reopenDatabase(true));
     changed = DemoBookingRow::fromItem(again);
     changed.title = QStringLiteral("Given up");
     QVERIFY(second.editBooking(again, changed));
@@ -528,9 +508,7 @@ void tst_DemoApp::shouldAskBeforeClosingOnChangesItCouldNotSave()
         box->button(QMessageBox::Yes)->click();
     });
     QVERIFY(second.close());
-    db.close();
-    db.setConnectOptions(QString());
-    QVERIFY(db.open());
+    QVERIFY(reopenDatabase(false));
     QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Not written yet"));
 }
 

@@ -54,6 +54,44 @@ void dragGrip(BookingScene& s, BkCalendarColumn* column, double dx)
     s.release(from + QPointF(dx, -2));
 }
 
+// Right-clicks the column's header and picks the first entry of its menu, as a user would: the menu
+// runs its own loop, which a timer watches. Gives the entries offered, none when no menu came within
+// 30 s, and whether the column took the event.
+QStringList pickFirstHeaderEntry(BookingScene& s, BkCalendarColumn* column, bool* accepted)
+{
+    QStringList offered;
+    QTimer timer;
+    int waited = 0;
+    timer.setInterval(20);
+    QObject::connect(&timer, &QTimer::timeout, [&]() {
+        waited += 20;
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu) {
+            if (waited > 30000) {
+                timer.stop();
+                QApplication::closeAllWindows();
+            }
+            return;
+        }
+        timer.stop();
+        for (QAction* action : menu->actions())
+            offered << action->text();
+        if (!menu->actions().isEmpty())
+            menu->actions().first()->trigger();
+        menu->close();
+    });
+    timer.start();
+
+    QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
+    event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
+    event.setScreenPos(QPoint(300, 40));
+    event.setReason(QGraphicsSceneContextMenuEvent::Mouse);
+    event.setAccepted(false);
+    QApplication::sendEvent(&s.scene, &event);
+    *accepted = event.isAccepted();
+    return offered;
+}
+
 } // namespace
 
 class tst_BkCalendarCustomWidth : public QObject
@@ -418,42 +456,11 @@ void tst_BkCalendarCustomWidth::contextMenuRemovesTheCustomSize()
     QVERIFY(column->customSize());
     s.show();
 
-    QStringList offered;
-    bool answered = false;
-    // The menu runs its own loop; the timer picks the entry as a user would.
-    auto* timer = new QTimer(this);
-    int waited = 0;
-    timer->setInterval(20);
-    connect(timer, &QTimer::timeout, this, [&]() {
-        waited += 20;
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu) {
-            if (waited > 30000) {
-                timer->stop();
-                QApplication::closeAllWindows();
-            }
-            return;
-        }
-        timer->stop();
-        for (QAction* action : menu->actions())
-            offered << action->text();
-        answered = true;
-        if (!menu->actions().isEmpty())
-            menu->actions().first()->trigger();
-        menu->close();
-    });
-    timer->start();
+    bool accepted = false;
+    const QStringList offered = pickFirstHeaderEntry(s, column, &accepted);
 
-    QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
-    event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
-    event.setScreenPos(QPoint(300, 40));
-    event.setReason(QGraphicsSceneContextMenuEvent::Mouse);
-    event.setAccepted(false);
-    QApplication::sendEvent(&s.scene, &event);
-    delete timer;
-
-    QVERIFY(answered);
-    QVERIFY(event.isAccepted());
+    QVERIFY(!offered.isEmpty());
+    QVERIFY(accepted);
     QCOMPARE(offered, QStringList() << QStringLiteral("Remove custom size"));
     QVERIFY(column->header()->menu());
     QVERIFY(!column->customSize());
@@ -512,34 +519,8 @@ void tst_BkCalendarCustomWidth::removeOnADayColumnTakesThePersonsSavedWidth()
     QSignalSpy shareOut(column, qOverload<>(&BkCalendarColumn::widthChanged));
     s.show();
 
-    bool triggered = false;
-    auto* timer = new QTimer(this);
-    int waited = 0;
-    timer->setInterval(20);
-    connect(timer, &QTimer::timeout, this, [&]() {
-        waited += 20;
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu) {
-            if (waited > 30000) {
-                timer->stop();
-                QApplication::closeAllWindows();
-            }
-            return;
-        }
-        timer->stop();
-        if (!menu->actions().isEmpty()) {
-            menu->actions().first()->trigger();
-            triggered = true;
-        }
-        menu->close();
-    });
-    timer->start();
-
-    QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
-    event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
-    event.setScreenPos(QPoint(300, 40));
-    QApplication::sendEvent(&s.scene, &event);
-    delete timer;
+    bool accepted = false;
+    const bool triggered = !pickFirstHeaderEntry(s, column, &accepted).isEmpty();
 
     QVERIFY(triggered);
     QCOMPARE(shareOut.count(), 1);
