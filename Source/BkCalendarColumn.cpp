@@ -310,13 +310,13 @@ BkCalendarColumn::~BkCalendarColumn() = default;
 
 void BkCalendarColumn::discard(BkCalendarColumn* column)
 {
-    if (BkCalendarPainting::hostVisits()) {
+    if (BkCalendarHostVisit::active()) {
         if (column->mModel)
             column->mModel->disconnect(column);
         for (QGraphicsItem* child : column->childItems())
             BkCalendarItemWidget::retire(child);
     }
-    BkCalendarPainting::remove(column);
+    BkCalendarHostVisit::remove(column);
 }
 
 QRectF BkCalendarColumn::boundingRect() const
@@ -529,9 +529,9 @@ void BkCalendarColumn::updateChildren()
         QGraphicsItem* child = children.at(i);
         if (child->data(ItemKindRole).toInt() != ItemKindItemWidget)
             continue;
-        if (BkCalendarPainting::hostVisits())
+        if (BkCalendarHostVisit::active())
             BkCalendarItemWidget::retire(child);
-        BkCalendarPainting::remove(child);
+        BkCalendarHostVisit::remove(child);
     }
     if (mModel && showsSomething()) {
         // Asked even when the boxes wait: asking is what makes the model request a day it lacks.

@@ -1,36 +1,10 @@
 #include "BkCalendarPainting.h"
 
-#include <QGraphicsItem>
-#include <QGraphicsScene>
 #include <QPaintDevice>
 #include <QPaintEngine>
 #include <QPainter>
-#include <QTimer>
 
 #include <cmath>
-
-int& BkCalendarPainting::visits()
-{
-    // Painting happens in the GUI thread only.
-    static int count = 0;
-    return count;
-}
-
-void BkCalendarPainting::remove(QGraphicsItem* item)
-{
-    if (!hostVisits()) {
-        delete item;
-        return;
-    }
-    item->hide();
-    if (QGraphicsScene* scene = item->scene())
-        scene->removeItem(item);
-    // Hidden and out of the scene, nothing that the item may still hear shows or reaches the host.
-    if (auto* object = dynamic_cast<QObject*>(item))
-        object->deleteLater();
-    else
-        QTimer::singleShot(0, [item] { delete item; });
-}
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "BkCalendarView.h"
 
 #include "BkCalendarClock.h"
+#include "BkCalendarHostVisit.h"
 #include "BkCalendarInfoWidget.h"
 #include "BkCalendarModel.h"
-#include "BkCalendarPainting.h"
 #include "BkCalendarScene.h"
 #include "BkCalendarTimeScale.h"
 #include "BkCalendarUserList.h"
@@ -226,7 +226,7 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
 {
     mDayMode = 0;
     if (mInfo) {
-        BkCalendarPainting::remove(mInfo);
+        BkCalendarHostVisit::remove(mInfo);
         mInfo = nullptr;
     }
     deleteColumns();

@@ -1,9 +1,9 @@
 #ifndef BKCALENDARCOLUMN_H
 #define BKCALENDARCOLUMN_H
 
+#include "BkCalendarHostVisit.h"
 #include "BkCalendarItemKind.h"
 #include "BkCalendarModel.h"
-#include "BkCalendarPainting.h"
 #include "BkCalendarRecords.h"
 #include "FwCalendarGlobal.h"
 
@@ -90,8 +90,9 @@ public:
     // forward; snapMinutes() is the host's set_snaponmovebooking, 1 where that is not positive.
     static QTime roundToSnap(const QTime& time, int snap);
     static int snapMinutes();
-    // Takes a column away for its view. While the host visits a paint the column is retired: it hears
-    // its model no more, and its boxes let go of their bookings at once, as its deletion would.
+    // Takes a column away for its view. While the host is let in (BkCalendarHostVisit) the column is
+    // retired: it hears its model no more, and its boxes let go of their bookings at once, as its
+    // deletion would.
     static void discard(BkCalendarColumn* column);
 
     // Custom column width.
@@ -196,7 +197,7 @@ private:
     bool mOthersBeforeHeader;
     // Held while Qt changes the column's selection: the column tells the host of its date in the
     // middle of it, and what the host's answer takes away meanwhile is retired, not deleted.
-    std::optional<BkCalendarPainting::HostVisit> mSelectionVisit;
+    std::optional<BkCalendarHostVisit> mSelectionVisit;
 };
 
 #endif // BKCALENDARCOLUMN_H

@@ -1,7 +1,7 @@
 #ifndef BKCALENDARITEMWIDGET_H
 #define BKCALENDARITEMWIDGET_H
 
-#include "BkCalendarPainting.h"
+#include "BkCalendarHostVisit.h"
 #include "BkCalendarTextBlock.h"
 #include "FwCalendarGlobal.h"
 
@@ -162,7 +162,7 @@ private:
     BkCalendarColorScheme* mScheme;
     // Held while Qt changes the box's selection: the scene tells the host in the middle of it, and
     // what the host's answer takes away meanwhile is retired, not deleted under Qt's feet.
-    std::optional<BkCalendarPainting::HostVisit> mSelectionVisit;
+    std::optional<BkCalendarHostVisit> mSelectionVisit;
 
     // What the gradients and the outline come from.
     struct Colours

@@ -5,7 +5,6 @@
 
 #include <QRectF>
 
-class QGraphicsItem;
 class QPainter;
 
 // What the calendar's items share when they paint: where a repaint can change pixels at all, and the
@@ -27,28 +26,6 @@ public:
     // a translation, the line's pixels are one row that is filled at once, as the stroker would
     // reach them one by one; anything else goes to drawLine itself.
     static void drawRowLine(QPainter* painter, int x1, int y, int x2);
-
-    // Qt holds on to the items of a scene while it draws them, until the whole picture is done, and to
-    // an item while it changes its selection; yet a change of selection lets the host in (a column
-    // tells of its date, the scene of the change), and a booking's paint selects its column. A column
-    // or box holds a HostVisit while its selection changes, and what the host's answer takes away
-    // meanwhile is retired instead of deleted.
-    class HostVisit
-    {
-    public:
-        HostVisit() { ++visits(); }
-        ~HostVisit() { --visits(); }
-        HostVisit(const HostVisit&) = delete;
-        HostVisit& operator=(const HostVisit&) = delete;
-    };
-    static bool hostVisits() { return visits() > 0; }
-
-    // Takes an item of the calendar away: deletes it, or, while the host visits a paint, hides it,
-    // takes it out of its scene and deletes it once the event loop runs again.
-    static void remove(QGraphicsItem* item);
-
-private:
-    static int& visits();
 };
 
 #endif // BKCALENDARPAINTING_H

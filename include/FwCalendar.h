@@ -7,6 +7,7 @@
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
 #include "BkCalendarHeader.h"
+#include "BkCalendarHostVisit.h"
 #include "BkCalendarInfoWidget.h"
 #include "BkCalendarItem.h"
 #include "BkCalendarItemKind.h"
