@@ -311,6 +311,7 @@ BkCalendarColumn::~BkCalendarColumn() = default;
 void BkCalendarColumn::discard(BkCalendarColumn* column)
 {
     if (BkCalendarHostVisit::active()) {
+        column->mRetired = true;
         if (column->mModel)
             column->mModel->disconnect(column);
         for (QGraphicsItem* child : column->childItems())
@@ -436,6 +437,8 @@ void BkCalendarColumn::update()
         updateInfo();
         updateChildren();
     }
+    if (mRetired)
+        return;
     if (mHeader) {
         mHeader->setColumn(this);
         mHeader->date = mDate;
@@ -448,9 +451,13 @@ void BkCalendarColumn::update()
 
 void BkCalendarColumn::updateInfo()
 {
-    if (!mModel)
+    if (!mModel || mRetired)
         return;
-    mPlans = mModel->plans(mDate, mResource);
+    const QList<BkCalendarPlan*> plans = mModel->plans(mDate, mResource);
+    // The plans are shared with the columns of the host's answer, which place them for themselves.
+    if (mRetired)
+        return;
+    mPlans = plans;
     if (mScale) {
         const float m = float(mScale->minuteHeight());
         const float t = float(mScale->topMargin());
@@ -523,6 +530,8 @@ void BkCalendarColumn::updateChildren()
     // Widgets are never reused: the old ones go, and every shown booking gets a new one. Each removal
     // and insertion would lay the column out; the layout is a function of the boxes' tops and heights
     // alone and every box here is new, so one run over the finished set gives the same boxes.
+    if (mRetired)
+        return;
     mHoldLayout = true;
     const QList<QGraphicsItem*> children = childItems();
     for (int i = children.size() - 1; i >= 0; --i) {
@@ -536,6 +545,11 @@ void BkCalendarColumn::updateChildren()
     if (mModel && showsSomething()) {
         // Asked even when the boxes wait: asking is what makes the model request a day it lacks.
         const QList<BkCalendarItem*> items = mModel->items(mDate, mResource);
+        // Boxes made now would take the bookings from those of the host's answer.
+        if (mRetired) {
+            mHoldLayout = false;
+            return;
+        }
         for (BkCalendarItem* item : items) {
             if (!mDeferBoxes && mScale && mScale->inside(item->start(), item->end()))
                 makeWidget(item);

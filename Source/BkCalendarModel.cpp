@@ -1,5 +1,6 @@
 #include "BkCalendarModel.h"
 
+#include "BkCalendarHostVisit.h"
 #include "BkCalendarIdTable.h"
 #include "BkCalendarItemFile.h"
 
@@ -273,7 +274,7 @@ void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate&
         const QDate last = date.addDays(8);
         mLoadedRanges.insert(resource, qMakePair(first, last));
         mRangeIndex.insert(key, qMakePair(first, last));
-        emit loadData(first, last, resource);
+        requestLoad(first, last, resource);
         return;
     }
     const QDate oldFirst = range->first;
@@ -282,13 +283,21 @@ void BkCalendarModel::checkDate(const BkCalendarResource& resource, const QDate&
         const QDate last = date.addDays(8);
         mLoadedRanges.find(resource)->second = last;
         mRangeIndex[key].second = last;
-        emit loadData(oldLast.addDays(1), last, resource);
+        requestLoad(oldLast.addDays(1), last, resource);
     } else if (date.toJulianDay() < oldFirst.toJulianDay()) {
         const QDate first = date.addDays(-8);
         mLoadedRanges.find(resource)->first = first;
         mRangeIndex[key].first = first;
-        emit loadData(first, oldFirst.addDays(-1), resource);
+        requestLoad(first, oldFirst.addDays(-1), resource);
     }
+}
+
+void BkCalendarModel::requestLoad(const QDate& from, const QDate& to, const BkCalendarResource& resource)
+{
+    // The read that asks is mostly a column's, in the middle of its update, and the host's answer may
+    // rebuild the view: what it takes away meanwhile is retired rather than deleted.
+    const BkCalendarHostVisit visit;
+    emit loadData(from, to, resource);
 }
 
 void BkCalendarModel::setToolTipsEnabled(bool enabled)

@@ -21,6 +21,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -47,18 +48,24 @@ bool readStatusId(const QVariant& value, int* id)
     return true;
 }
 
-// Selects the columns of `live` for which `wanted` holds and deselects the others, from the left. False
-// when the host has rebuilt the columns in an answer: its build has set the selection of its own, and
-// the old columns are left alone.
-template <typename Wanted> bool selectColumns(const QList<BkCalendarColumn*>& live, Wanted wanted)
+// Runs `step` on each column of `live`, from the left. A change of selection or a load request lets the
+// host in; false when its answer has rebuilt the columns: its build is complete, and the rest of the old
+// columns is left alone.
+template <typename Step> bool forEachColumn(const QList<BkCalendarColumn*>& live, Step step)
 {
     const QList<BkCalendarColumn*> columns = live;
     for (BkCalendarColumn* column : columns) {
-        column->setSelected(wanted(column));
+        step(column);
         if (live != columns)
             return false;
     }
     return true;
+}
+
+// Selects the columns of `live` for which `wanted` holds and deselects the others, from the left.
+template <typename Wanted> bool selectColumns(const QList<BkCalendarColumn*>& live, Wanted wanted)
+{
+    return forEachColumn(live, [&wanted](BkCalendarColumn* column) { column->setSelected(wanted(column)); });
 }
 
 } // namespace
@@ -117,8 +124,7 @@ void BkCalendarView::setModel(BkCalendarModel* model)
 {
     mModel = model;
     mScene->setModel(model);
-    for (BkCalendarColumn* column : qAsConst(mColumns))
-        column->setModel(model);
+    forEachColumn(mColumns, [model](BkCalendarColumn* column) { column->setModel(model); });
 }
 
 QList<QGraphicsItem*> BkCalendarView::selectedItems() const
@@ -143,6 +149,9 @@ void BkCalendarView::setRaise(BkCalendarColumn::Raise raise)
 
 void BkCalendarView::deleteColumns()
 {
+    ++mBuilds;
+    if (mColumnInSetUp)
+        BkCalendarColumn::discard(std::exchange(mColumnInSetUp, nullptr));
     while (!mColumns.isEmpty())
         BkCalendarColumn::discard(mColumns.takeLast());
 }
@@ -174,12 +183,12 @@ void BkCalendarView::makeBoxesBeforeLoad(const BkCalendarResource& resource, con
 {
     if (!mModel || !mModel->asksHost(resource, date))
         return;
-    for (BkCalendarColumn* column : qAsConst(mColumns)) {
+    forEachColumn(mColumns, [](BkCalendarColumn* column) {
         if (column->defersBoxes()) {
             column->setDeferBoxes(false);
             column->updateChildren();
         }
-    }
+    });
 }
 
 void BkCalendarView::setDays(int days)
@@ -187,10 +196,16 @@ void BkCalendarView::setDays(int days)
     mDayMode = 1;
     // An info widget stays: only a new group takes it away.
     deleteColumns();
+    // A load request lets the host in, and its answer may build columns of its own; that build is then
+    // complete, and this one ends where it is.
+    const quint64 build = mBuilds;
 
     for (int i = 0; i < days; ++i) {
         makeBoxesBeforeLoad(mResource, mDate.addDays(i));
+        if (mBuilds != build)
+            return;
         auto* column = new BkCalendarColumn(nullptr, false);
+        mColumnInSetUp = column;
         column->setDeferBoxes(true);
         column->setRaise(mRaise);
         column->setTimeScale(mScale);
@@ -206,6 +221,9 @@ void BkCalendarView::setDays(int days)
         column->update();
         column->setResource(mResource);
         column->update();
+        if (mBuilds != build)
+            return;
+        mColumnInSetUp = nullptr;
         column->setMinWidth(int(mMinWidth));
 
         connect(column, qOverload<>(&BkCalendarColumn::widthChanged), this, &BkCalendarView::calculateSizes);
@@ -216,6 +234,8 @@ void BkCalendarView::setDays(int days)
     }
 
     makeDeferredBoxes();
+    if (mBuilds != build)
+        return;
     if (!selectColumns(mColumns,
                        [this](const BkCalendarColumn* column) { return column->date() == mSelectedDate; }))
         return;
@@ -236,15 +256,21 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
         return;
     }
 
+    // As in setDays, a build that the host's answer to a load request begins ends this one.
+    const quint64 build = mBuilds;
     for (int i = 0; i < resources.count(); ++i) {
         const BkCalendarResource& resource = resources.at(i);
         makeBoxesBeforeLoad(resource, mDate);
         // Without a model nothing is known of the schedules, and nobody is hidden.
-        if (mModel && mModel->plans(mDate, resource).isEmpty() && FwApplication::app() &&
+        const bool unplanned = mModel && mModel->plans(mDate, resource).isEmpty();
+        if (mBuilds != build)
+            return;
+        if (unplanned && FwApplication::app() &&
             FwApplication::app()->getValue(QStringLiteral("set_hideempty"), QString()).toInt() == 1)
             continue;
 
         auto* column = new BkCalendarColumn(nullptr, true);
+        mColumnInSetUp = column;
         column->setDeferBoxes(true);
         column->setHeaderText(resource.name);
         column->setRaise(mRaise);
@@ -259,6 +285,9 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
         column->setResource(resource);
         column->update();
         column->setModel(mModel);
+        if (mBuilds != build)
+            return;
+        mColumnInSetUp = nullptr;
         // The position in the group, so that hidden members leave gaps.
         column->setIndex(i);
         column->initSavedValue();
@@ -274,6 +303,8 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
     }
 
     makeDeferredBoxes();
+    if (mBuilds != build)
+        return;
     const bool kept = selectColumns(mColumns, [this](const BkCalendarColumn* column) {
         return column->resource().type == mResource.type && column->resource().id == mResource.id;
     });
@@ -322,12 +353,10 @@ void BkCalendarView::update()
     // has dated and selected the new ones, and the rest of the old ones is left alone.
     const QList<BkCalendarColumn*> columns = mColumns;
     if (!mDayMode) {
-        for (BkCalendarColumn* column : columns) {
+        forEachColumn(mColumns, [this](BkCalendarColumn* column) {
             column->setDate(mDate);
             column->update();
-            if (mColumns != columns)
-                return;
-        }
+        });
         return;
     }
 
@@ -369,18 +398,17 @@ void BkCalendarView::setResource(BkCalendarResource resource)
 {
     mResource = resource;
     if (mDayMode) {
-        for (BkCalendarColumn* column : qAsConst(mColumns)) {
+        forEachColumn(mColumns, [&resource](BkCalendarColumn* column) {
             column->setResource(resource);
             column->update();
-        }
+        });
     }
     emit resourceSelected(resource);
 }
 
 void BkCalendarView::updateWidgets()
 {
-    for (BkCalendarColumn* column : qAsConst(mColumns))
-        column->update();
+    forEachColumn(mColumns, [](BkCalendarColumn* column) { column->update(); });
     fitSceneRect();
 }
 
@@ -462,8 +490,9 @@ void BkCalendarView::calculateSizes()
     const double share = overflow ? mMinWidth : (widget - taken) / rest;
 
     double x = 0.0;
-    for (BkCalendarColumn* column : qAsConst(mColumns))
-        x += column->setWidthScale(share, mWidthType, x);
+    if (!forEachColumn(mColumns,
+                       [&](BkCalendarColumn* column) { x += column->setWidthScale(share, mWidthType, x); }))
+        return;
 
     updateWidgets();
     QRectF rect = mScene->itemsBoundingRect();
@@ -573,7 +602,10 @@ void BkCalendarView::headerActivated(BkCalendarColumn* column, BkCalendarResourc
 
     auto* dialog = new BkCalendarUserList(this);
     dialog->setResource(resource);
-    if (dialog->exec() == QDialog::Accepted) {
+    // The picker's event loop lets the host in, and it may build other columns meanwhile: a pick for a
+    // column that is no longer there is dropped, as if cancelled.
+    const QPointer<BkCalendarColumn> picked(column);
+    if (dialog->exec() == QDialog::Accepted && picked && mColumns.contains(column)) {
         const QVariant chosen = dialog->id();
         if (chosen.isNull()) {
             mScene->removeItem(column);

@@ -192,6 +192,9 @@ private:
     // True while updateChildren replaces the boxes; it lays them out once at the end.
     bool mHoldLayout;
     bool mDeferBoxes;
+    // Taken away while the host was let in, and waiting for the event loop to delete it: it asks the
+    // model nothing more and makes no boxes.
+    bool mRetired = false;
     // The children besides the header, and whether they stand before it in the order of coming.
     int mOtherChildren;
     bool mOthersBeforeHeader;

@@ -98,6 +98,7 @@ private:
     static quint64 rangeKey(const BkCalendarResource& resource);
     void dropFromAllItems(BkCalendarItem* item);
     void dropFromInvalidItems(BkCalendarItem* item);
+    void requestLoad(const QDate& from, const QDate& to, const BkCalendarResource& resource);
 
     QMap<QDate, QMap<BkCalendarResource, QList<BkCalendarPlan*>>> mPlanStore;
     // Bookings by date and user, and by date and resource.

@@ -125,6 +125,10 @@ private:
     BkCalendarColumn::Raise mRaise;
     int mScrollDx;
     QList<BkCalendarColumn*> mColumns;
+    // The column that setDays or setResources is setting up, not yet listed; and a count of the builds
+    // begun, by which a build notices that the host's answer to a load request began another.
+    BkCalendarColumn* mColumnInSetUp = nullptr;
+    quint64 mBuilds = 0;
     BkCalendarColorScheme mScheme;
 };
 

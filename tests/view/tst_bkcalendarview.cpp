@@ -212,6 +212,8 @@ private slots:
     void shouldShowTheBuiltDaysToAHostAnsweringALaterDay();
     void shouldOutliveAHostThatRebuildsTheColumnsWhenTheSelectionMoves_data();
     void shouldOutliveAHostThatRebuildsTheColumnsWhenTheSelectionMoves();
+    void shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToALoad_data();
+    void shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToALoad();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data();
@@ -949,6 +951,140 @@ void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsWhenTheSelectio
         shown += item->data(ItemKindRole).toInt() == ItemKindColumn;
     QCOMPARE(shown, dates.size());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!f.view.grab().isNull());
+}
+
+namespace {
+// Anna's week from Monday on, with a booking of Anna and one of Ben on every day from four weeks
+// before Monday to eight weeks after, which the model has but was never asked for: each day that the
+// view reaches beyond Monday's range asks the host for it.
+struct AnnasWeekWithBookings : AnnasWeek
+{
+    AnnasWeekWithBookings()
+    {
+        int id = 1000;
+        for (int day = -28; day <= 56; ++day) {
+            addBooking(model, ++id, Monday.addDays(day), 4, QTime(9, 0), QTime(9, 45));
+            addBooking(model, ++id, Monday.addDays(day), 5, QTime(10, 0), QTime(10, 45));
+        }
+    }
+
+    void act(const QString& action)
+    {
+        const BkCalendarResource anna(4, QStringLiteral("Anna"), 0);
+        const BkCalendarResource ben(5, QStringLiteral("Ben"), 0);
+        if (action == QLatin1String("three weeks on")) {
+            view.setDate(Monday.addDays(21));
+        } else if (action == QLatin1String("fourteen days")) {
+            view.setDays(14);
+        } else if (action == QLatin1String("Ben")) {
+            view.setResource(ben);
+        } else if (action == QLatin1String("a group")) {
+            view.setResources({anna, ben});
+        } else if (action == QLatin1String("the group three weeks on")) {
+            view.setDate(Monday.addDays(21));
+        }
+    }
+};
+
+// Every column of the view stands in the scene and nothing else of the calendar does, and every
+// booking of a column that its scale shows has one box, in that column.
+void verifyColumnsAndBoxes(BkCalendarView& view)
+{
+    QSet<QGraphicsItem*> columnsInScene;
+    int boxesInScene = 0;
+    for (QGraphicsItem* item : view.scene()->items()) {
+        if (item->data(ItemKindRole).toInt() == ItemKindColumn)
+            columnsInScene << item;
+        if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(item)) {
+            ++boxesInScene;
+            QVERIFY(box->item());
+            QCOMPARE(box->item()->widget, box);
+        }
+    }
+    QSet<QGraphicsItem*> listed;
+    int boxesListed = 0;
+    for (BkCalendarColumn* column : view.getColumnList()) {
+        listed << column;
+        const QList<BkCalendarItem*> items = column->getItems(false);
+        QCOMPARE(boxedItems(column).size(), items.size());
+        for (BkCalendarItem* item : items) {
+            QVERIFY(item->widget);
+            QCOMPARE(item->widget->parentItem(), static_cast<QGraphicsItem*>(column));
+        }
+        boxesListed += items.size();
+    }
+    QCOMPARE(columnsInScene, listed);
+    QCOMPARE(boxesInScene, boxesListed);
+}
+} // namespace
+
+void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToALoad_data()
+{
+    // The host answers the first load request by building other columns, or by updating the view,
+    // while the view is in the middle of moving to a date, building days or a group, or changing the
+    // person; the request comes from a column being set up or updated, or from the group's check for
+    // members without a schedule.
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("answer");
+    const QStringList actions = {QStringLiteral("three weeks on"), QStringLiteral("fourteen days"),
+                                 QStringLiteral("Ben"), QStringLiteral("a group"),
+                                 QStringLiteral("the group three weeks on")};
+    const QStringList answers = {QStringLiteral("two days"), QStringLiteral("another group"),
+                                 QStringLiteral("an update")};
+    for (const QString& action : actions)
+        for (const QString& answer : answers)
+            QTest::addRow("%s, %s", qPrintable(action), qPrintable(answer)) << action << answer;
+}
+
+void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToALoad()
+{
+    QFETCH(QString, action);
+    QFETCH(QString, answer);
+    const QList<BkCalendarResource> otherGroup = {BkCalendarResource(6, QStringLiteral("Carl"), 0),
+                                                  BkCalendarResource(7, QStringLiteral("Dora"), 0)};
+    // The same steps without the host's answer, for what an update leaves.
+    AnnasWeekWithBookings alone;
+    AnnasWeekWithBookings f;
+    if (action == QLatin1String("the group three weeks on")) {
+        const QList<BkCalendarResource> group = {f.view.resource(),
+                                                 BkCalendarResource(5, QStringLiteral("Ben"), 0)};
+        alone.view.setResources(group);
+        f.view.setResources(group);
+    }
+    alone.act(action);
+
+    bool answered = false;
+    LoadingHost host(f.model, [&](const BkCalendarResource&) {
+        if (answered)
+            return;
+        answered = true;
+        if (answer == QLatin1String("two days"))
+            f.view.setDays(2);
+        else if (answer == QLatin1String("another group"))
+            f.view.setResources(otherGroup);
+        else
+            f.view.updateWidgets();
+    });
+    f.act(action);
+
+    QVERIFY(answered);
+    if (answer == QLatin1String("two days")) {
+        QCOMPARE(f.view.dayMode(), 1);
+        QCOMPARE(f.view.getColumnList().size(), 2);
+    } else if (answer == QLatin1String("another group")) {
+        QCOMPARE(f.view.dayMode(), 0);
+        QCOMPARE(f.view.getColumnList().size(), 2);
+        QCOMPARE(f.view.getColumnList().first()->resource().id, otherGroup.first().id);
+        QCOMPARE(f.view.getColumnList().last()->resource().id, otherGroup.last().id);
+    } else {
+        QCOMPARE(f.view.dayMode(), alone.view.dayMode());
+        QCOMPARE(columnDates(f.view), columnDates(alone.view));
+        QCOMPARE(selectedIndices(f.view), selectedIndices(alone.view));
+    }
+    verifyColumnsAndBoxes(f.view);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    verifyColumnsAndBoxes(f.view);
     QVERIFY(!f.view.grab().isNull());
 }
 

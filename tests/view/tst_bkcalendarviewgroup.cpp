@@ -43,31 +43,34 @@ enum class Answer
     Cancel
 };
 
+void answerOpenPicker(QWidget* modal, Answer answer, int id, int type)
+{
+    auto* dialog = qobject_cast<BkCalendarUserList*>(modal);
+    QVERIFY(dialog);
+    if (answer == Answer::Cancel) {
+        QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("pbCancel")), Qt::LeftButton);
+        return;
+    }
+    if (answer == Answer::Clear) {
+        QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("pbClear")), Qt::LeftButton);
+        return;
+    }
+    auto* list = dialog->findChild<QTreeWidget*>(QStringLiteral("tvList"));
+    QVERIFY(list);
+    list->clearSelection();
+    for (int i = 0; i < list->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* row = list->topLevelItem(i);
+        if (row->data(0, 256).isValid() && row->data(0, 256).toInt() == id &&
+            row->data(0, 257).toInt() == type)
+            row->setSelected(true);
+    }
+    QCOMPARE(list->selectedItems().count(), 1);
+    QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("pbOk")), Qt::LeftButton);
+}
+
 void answerPicker(Answer answer, int id = 0, int type = 0)
 {
-    FwTest::whenModal([answer, id, type](QWidget* modal) {
-        auto* dialog = qobject_cast<BkCalendarUserList*>(modal);
-        QVERIFY(dialog);
-        if (answer == Answer::Cancel) {
-            QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("pbCancel")), Qt::LeftButton);
-            return;
-        }
-        if (answer == Answer::Clear) {
-            QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("pbClear")), Qt::LeftButton);
-            return;
-        }
-        auto* list = dialog->findChild<QTreeWidget*>(QStringLiteral("tvList"));
-        QVERIFY(list);
-        list->clearSelection();
-        for (int i = 0; i < list->topLevelItemCount(); ++i) {
-            QTreeWidgetItem* row = list->topLevelItem(i);
-            if (row->data(0, 256).isValid() && row->data(0, 256).toInt() == id &&
-                row->data(0, 257).toInt() == type)
-                row->setSelected(true);
-        }
-        QCOMPARE(list->selectedItems().count(), 1);
-        QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("pbOk")), Qt::LeftButton);
-    });
+    FwTest::whenModal([answer, id, type](QWidget* modal) { answerOpenPicker(modal, answer, id, type); });
 }
 
 // Double-clicks the header of a column where the user sees it: press, release, the double click,
@@ -136,6 +139,8 @@ private slots:
 
     void shouldChangeNothingOnCancelButStillResize();
     void shouldRebindAColumnToThePick();
+    void shouldDropThePickForAColumnThatTheHostTookAwayMeanwhile_data();
+    void shouldDropThePickForAColumnThatTheHostTookAwayMeanwhile();
     void shouldSaveUsersAndThePlaceholder();
     void shouldGrowANewPlaceholderBehindAFilledOne();
     void shouldRemoveAClearedColumnAndRenumber();
@@ -206,6 +211,48 @@ void tst_BkCalendarViewGroup::shouldRebindAColumnToThePick()
     QCOMPARE(captions(g.view), (QStringList{QStringLiteral("Eva Fors"), QStringLiteral("Carl Dahl")}));
     QCOMPARE(g.view.days(), 2);
     QCOMPARE(savedGroup(), QStringLiteral("7:0,30:0"));
+}
+
+void tst_BkCalendarViewGroup::shouldDropThePickForAColumnThatTheHostTookAwayMeanwhile_data()
+{
+    // While the picker is up, the host shows another group or the days of one person; the user then
+    // picks someone for the column, or clears it, that is no longer there.
+    QTest::addColumn<bool>("group");
+    QTest::addColumn<int>("answer");
+    QTest::newRow("another group, a pick") << true << int(Answer::Pick);
+    QTest::newRow("another group, cleared") << true << int(Answer::Clear);
+    QTest::newRow("days, a pick") << false << int(Answer::Pick);
+    QTest::newRow("days, cleared") << false << int(Answer::Clear);
+}
+
+void tst_BkCalendarViewGroup::shouldDropThePickForAColumnThatTheHostTookAwayMeanwhile()
+{
+    QFETCH(bool, group);
+    QFETCH(int, answer);
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
+                         BkCalendarResource(30, QStringLiteral("Carl Dahl"), 0)});
+    QList<BkCalendarColumn*> rebuilt;
+    FwTest::whenModal([&](QWidget* modal) {
+        if (group) {
+            g.view.setResources({BkCalendarResource(7, QStringLiteral("Eva Fors"), 0)});
+        } else {
+            g.view.setResource(BkCalendarResource(12, QStringLiteral("Anna Berg"), 0));
+            g.view.setDays(3);
+        }
+        rebuilt = g.view.getColumnList();
+        answerOpenPicker(modal, Answer(answer), 7, 0);
+    });
+    doubleClickHeader(g.view, g.view.getColumnList().first());
+
+    QCOMPARE(g.view.getColumnList(), rebuilt);
+    QCOMPARE(g.view.dayMode(), group ? 0 : 1);
+    if (group)
+        QCOMPARE(captions(g.view), QStringList{QStringLiteral("Eva Fors")});
+    QCOMPARE(savedGroup(), QStringLiteral("untouched"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!g.view.grab().isNull());
 }
 
 void tst_BkCalendarViewGroup::shouldSaveUsersAndThePlaceholder()
