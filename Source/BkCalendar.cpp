@@ -34,6 +34,7 @@
 #include <QMetaMethod>
 #include <QMimeData>
 #include <QPersistentModelIndex>
+#include <QPointer>
 
 namespace {
 const char CalItemFormat[] = "text/calitem";
@@ -498,10 +499,7 @@ void BkCalendar::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Escape:
         if (!column)
             return;
-        mUi->cal->scene()->clearFocus();
-        mUi->cal->scene()->clearSelection();
-        column->setFocus(Qt::OtherFocusReason);
-        column->setSelected(true);
+        selectColumn(column, false);
         break;
     case Qt::Key_Left:
         if (ctrl) {
@@ -538,14 +536,20 @@ void BkCalendar::keyPressEvent(QKeyEvent* event)
     FwForm::keyPressEvent(event);
 }
 
-void BkCalendar::selectColumn(BkCalendarColumn* column)
+void BkCalendar::selectColumn(BkCalendarColumn* column, bool bringIntoSight)
 {
     QGraphicsScene* scene = mUi->cal->scene();
+    const QPointer<BkCalendarColumn> target(column);
     scene->clearFocus();
     scene->clearSelection();
+    // The host hears the selection go and may lay the columns anew in its answer; the column is gone
+    // then, and what the host made stands.
+    if (!target || !mUi->cal->getColumnList().contains(column))
+        return;
     column->setFocus(Qt::OtherFocusReason);
     column->setSelected(true);
-    column->ensureVisible(QRectF(), 50, -700);
+    if (bringIntoSight)
+        column->ensureVisible(QRectF(), 50, -700);
 }
 
 void BkCalendar::selectNextColumn()
@@ -555,7 +559,7 @@ void BkCalendar::selectNextColumn()
         return;
     const int at = columns.indexOf(mUi->cal->getSelectedColumn());
     const int target = at < 0 || at + 1 >= columns.count() ? 0 : at + 1;
-    selectColumn(columns.at(target));
+    selectColumn(columns.at(target), true);
 }
 
 void BkCalendar::selectPreviousColumn()
@@ -565,7 +569,7 @@ void BkCalendar::selectPreviousColumn()
         return;
     const int at = columns.indexOf(mUi->cal->getSelectedColumn());
     const int target = at > 0 ? at - 1 : columns.count() - 1;
-    selectColumn(columns.at(target));
+    selectColumn(columns.at(target), true);
 }
 
 QDateTime BkCalendar::now()

@@ -159,7 +159,7 @@ private:
     QList<QAction*> offeredActions() const;
     void stepDay(int days);
     void finishDays();
-    void selectColumn(BkCalendarColumn* column);
+    void selectColumn(BkCalendarColumn* column, bool bringIntoSight);
 
     QDockWidget* mMoveDock = nullptr;
     QDockWidget* mListDock = nullptr;

@@ -189,6 +189,8 @@ private slots:
     void shouldStepColumnsWithCtrlArrowsAndWrap();
     void shouldBringTheSteppedColumnIntoSightOnlySideways();
     void shouldDoNothingOnCtrlArrowsWithoutColumns();
+    void shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared_data();
+    void shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared();
     void shouldStepBookingsWithCtrlUpAndDown();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
     void shouldLeaveKeysWithoutCtrlToTheBase();
@@ -1278,6 +1280,44 @@ void tst_BkCalendar::shouldDoNothingOnCtrlArrowsWithoutColumns()
     // The base handler, which would ignore an unknown key, is not reached.
     QVERIFY(event.isAccepted());
     QVERIFY(!form.getSelectedColumn());
+}
+
+void tst_BkCalendar::shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::newRow("Ctrl+Right") << int(Qt::Key_Right) << int(Qt::ControlModifier);
+    QTest::newRow("Ctrl+Left") << int(Qt::Key_Left) << int(Qt::ControlModifier);
+    QTest::newRow("Escape") << int(Qt::Key_Escape) << int(Qt::NoModifier);
+}
+
+void tst_BkCalendar::shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared()
+{
+    // A host that hears the selection go empty gives the group anew, and the columns that were there
+    // are gone before the key would select one of them: the host's group stands as it made it.
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    BkCalendar form(nullptr, AllShows);
+    const QList<BkCalendarResource> group{BkCalendarResource(5, QStringLiteral("Anna"), 0),
+                                          BkCalendarResource(6, QStringLiteral("Ben"), 0),
+                                          BkCalendarResource(7, QStringLiteral("Cleo"), 0)};
+    form.setResourceList(group);
+    form.showGroup();
+    form.view()->scene()->clearSelection();
+    form.view()->getColumnList().at(1)->setSelected(true);
+    bool laidAnew = false;
+    connect(&form, &BkCalendar::selectionChanged, &form, [&] {
+        if (laidAnew || !form.view()->selectedItems().isEmpty())
+            return;
+        laidAnew = true;
+        form.setResourceList(group);
+    });
+    QTest::keyClick(&form, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    QVERIFY(laidAnew);
+    QCOMPARE(form.view()->getColumnList().count(), 3);
+    // Nobody of the group is the logged-in user, whom the new group was built for: none is selected.
+    QCOMPARE(form.view()->resource().id.toInt(), 99);
+    QVERIFY(form.view()->selectedItems().isEmpty());
 }
 
 void tst_BkCalendar::shouldStepBookingsWithCtrlUpAndDown()
