@@ -447,11 +447,18 @@ void BkCalendar::overview()
 
 void BkCalendar::jumpTo()
 {
-    auto* picker = new FwDatePicker(this, Qt::WindowFlags());
-    if (picker->exec() == 1) {
-        setDate(picker->date());
+    // The picker runs a loop of its own, in which the host may take the form down, and the picker,
+    // its child, with it.
+    const QPointer<BkCalendar> self(this);
+    const QPointer<FwDatePicker> picker(new FwDatePicker(this, Qt::WindowFlags()));
+    const int result = picker->exec();
+    if (!self)
+        return;
+    if (result == 1 && picker) {
+        const QDate date = picker->date();
+        setDate(date);
         if (mDatePicker)
-            mDatePicker->setSelectedDate(picker->date());
+            mDatePicker->setSelectedDate(date);
         emit dateSelected(mUi->cal->date());
     }
     delete picker;

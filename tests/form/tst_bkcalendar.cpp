@@ -182,6 +182,7 @@ private slots:
     void shouldToggleTheOverviewAndComeBack();
     void shouldJumpToAPickedDate();
     void shouldNotJumpWhenThePickerIsCancelled();
+    void shouldLetTheFormGoWhileItsPickerIsOpen();
     void shouldJumpToToday();
     void shouldStepADayWithCtrlPage_data();
     void shouldStepADayWithCtrlPage();
@@ -1109,6 +1110,24 @@ void tst_BkCalendar::shouldNotJumpWhenThePickerIsCancelled()
     QCOMPARE(form.date(), Wednesday);
     QCOMPARE(selected.count(), 0);
     QVERIFY(form.findChildren<FwDatePicker*>().isEmpty());
+}
+
+void tst_BkCalendar::shouldLetTheFormGoWhileItsPickerIsOpen()
+{
+    // The host takes the form down while the user still picks a day; the picker goes with it, and
+    // nothing of the form is touched once the picker's loop is over.
+    auto* form = new BkCalendar(nullptr, AllShows);
+    const QPointer<BkCalendar> alive(form);
+    QPointer<FwDatePicker> shown;
+    FwTest::whenModal([form, &shown](QWidget* modal) {
+        shown = qobject_cast<FwDatePicker*>(modal);
+        QVERIFY(shown);
+        shown->setDate(QDate(2027, 1, 14));
+        delete form;
+    });
+    form->jumpTo();
+    QVERIFY(!alive);
+    QVERIFY(!shown);
 }
 
 void tst_BkCalendar::shouldJumpToToday()
