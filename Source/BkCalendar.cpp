@@ -500,8 +500,12 @@ void BkCalendar::keyPressEvent(QKeyEvent* event)
             moveFromList();
         break;
     case Qt::Key_X:
-        if (ctrl && addToMoveList(selectedItem()) && column)
-            column->selectNextItem();
+        // A host that hears the row come may lay the columns anew: the step goes on in the column
+        // selected once the booking is parked.
+        if (ctrl && addToMoveList(selectedItem())) {
+            if (BkCalendarColumn* selected = mUi->cal->getSelectedColumn())
+                selected->selectNextItem();
+        }
         break;
     case Qt::Key_Escape:
         if (!column)

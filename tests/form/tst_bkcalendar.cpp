@@ -193,6 +193,7 @@ private slots:
     void shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared_data();
     void shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared();
     void shouldStepBookingsWithCtrlUpAndDown();
+    void shouldAdvanceInTheGroupThatTheHostLaysAnewOnAParkedBooking();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
     void shouldLeaveKeysWithoutCtrlToTheBase();
     void shouldSelectTheColumnAgainOnEscape();
@@ -1357,6 +1358,40 @@ void tst_BkCalendar::shouldStepBookingsWithCtrlUpAndDown()
     QVERIFY(first->widget->isSelected());
     // Without Ctrl nothing steps.
     QTest::keyClick(&form, Qt::Key_Down);
+    QVERIFY(first->widget->isSelected());
+    QVERIFY(!second->widget->isSelected());
+}
+
+void tst_BkCalendar::shouldAdvanceInTheGroupThatTheHostLaysAnewOnAParkedBooking()
+{
+    // A host that hears a row come onto the move list gives the group anew, in another order. Ctrl+X
+    // advances in the column that is selected once the booking is parked: the new column of the same
+    // person.
+    BkCalendar form(nullptr, AllShows);
+    const QList<BkCalendarResource> group{BkCalendarResource(5, QStringLiteral("Anna"), 0),
+                                          BkCalendarResource(6, QStringLiteral("Ben"), 0)};
+    form.setResourceList(group);
+    form.showGroup();
+    BkCalendarItem* first = addBooking(form.model(), 1, Wednesday, 6, QTime(9, 0), QTime(10, 0));
+    BkCalendarItem* second = addBooking(form.model(), 2, Wednesday, 6, QTime(11, 0), QTime(12, 0));
+    form.view()->scene()->clearSelection();
+    form.view()->getColumnList().at(1)->setSelected(true);
+    first->widget->setSelected(true);
+    bool laidAnew = false;
+    connect(form.moveList()->model(), &QAbstractItemModel::rowsInserted, &form, [&] {
+        if (laidAnew)
+            return;
+        laidAnew = true;
+        form.setResourceList({group.at(1), group.at(0)});
+    });
+    QTest::keyClick(&form, Qt::Key_X, Qt::ControlModifier);
+    QVERIFY(laidAnew);
+    QCOMPARE(form.moveList()->topLevelItemCount(), 1);
+    BkCalendarColumn* column = form.getSelectedColumn();
+    QCOMPARE(form.view()->getColumnList().indexOf(column), 0);
+    QCOMPARE(column->resource().id.toInt(), 6);
+    // The new boxes have no selection of their own yet: the step starts over at the first booking.
+    QVERIFY(first->widget && first->widget->parentItem() == column);
     QVERIFY(first->widget->isSelected());
     QVERIFY(!second->widget->isSelected());
 }
