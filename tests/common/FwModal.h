@@ -11,10 +11,11 @@
 //     const auto answer = FwMessageBox::question(...); // returns once the callback clicked
 //
 // The callback runs once, on the first modal widget that shows up. It polls every 20 ms and
-// gives up after `timeoutMs` (generous, as machines are loaded), warning so that the hang is
-// explained.
+// gives up once `timeoutMs` have passed on the clock (generous, as machines are loaded), warning so
+// that the hang is explained. The timer it returns is gone once it has answered or given up.
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
@@ -22,10 +23,12 @@
 #include <functional>
 
 namespace FwTest {
-inline void whenModal(std::function<void(QWidget*)> answer, int timeoutMs = 30000)
+inline QPointer<QTimer> whenModal(std::function<void(QWidget*)> answer, int timeoutMs = 30000)
 {
     auto* timer = new QTimer(qApp);
-    auto waited = std::make_shared<int>(0);
+    // The clock, not the count of polls: a loaded machine polls less often than asked.
+    auto waited = std::make_shared<QElapsedTimer>();
+    waited->start();
     timer->setInterval(20);
     QObject::connect(timer, &QTimer::timeout, timer, [timer, waited, answer, timeoutMs]() {
         QWidget* modal = QApplication::activeModalWidget();
@@ -35,14 +38,14 @@ inline void whenModal(std::function<void(QWidget*)> answer, int timeoutMs = 3000
             answer(modal);
             return;
         }
-        *waited += timer->interval();
-        if (*waited > timeoutMs) {
+        if (waited->elapsed() > timeoutMs) {
             qWarning("FwTest::whenModal: no modal widget appeared");
             timer->stop();
             timer->deleteLater();
         }
     });
     timer->start();
+    return timer;
 }
 } // namespace FwTest
 

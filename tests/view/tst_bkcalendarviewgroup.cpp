@@ -428,7 +428,7 @@ void tst_BkCalendarViewGroup::shouldIgnoreHeaderDoubleClicksInDayMode()
     g.view.setDays(5);
     g.view.setDate(Wednesday);
     bool opened = false;
-    FwTest::whenModal(
+    const QPointer<QTimer> watch = FwTest::whenModal(
         [&opened](QWidget* modal) {
             opened = true;
             modal->close();
@@ -436,7 +436,8 @@ void tst_BkCalendarViewGroup::shouldIgnoreHeaderDoubleClicksInDayMode()
         1000);
     QTest::ignoreMessage(QtWarningMsg, "FwTest::whenModal: no modal widget appeared");
     doubleClickHeader(g.view, g.view.getColumnList().at(2));
-    QTest::qWait(1200);
+    // The watch looks for a second at least before it gives up.
+    QTRY_VERIFY_WITH_TIMEOUT(!watch, 30000);
     QVERIFY(!opened);
     QCOMPARE(g.view.days(), 5);
     QCOMPARE(savedGroup(), QStringLiteral("untouched"));
