@@ -602,10 +602,10 @@ void BkCalendarView::headerActivated(BkCalendarColumn* column, BkCalendarResourc
 
     auto* dialog = new BkCalendarUserList(this);
     dialog->setResource(resource);
-    // The picker's event loop lets the host in, and it may build other columns meanwhile: a pick for a
-    // column that is no longer there is dropped, as if cancelled.
-    const QPointer<BkCalendarColumn> picked(column);
-    if (dialog->exec() == QDialog::Accepted && picked && mColumns.contains(column)) {
+    // The picker runs a loop of its own, in which the host may rebuild the group: a column that is
+    // no longer ours has nobody to take the choice.
+    const QPointer<BkCalendarColumn> target(column);
+    if (dialog->exec() == QDialog::Accepted && target && mColumns.contains(column)) {
         const QVariant chosen = dialog->id();
         if (chosen.isNull()) {
             mScene->removeItem(column);
