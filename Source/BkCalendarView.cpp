@@ -600,12 +600,17 @@ void BkCalendarView::headerActivated(BkCalendarColumn* column, BkCalendarResourc
     if (!FwApplication::app())
         return;
 
-    auto* dialog = new BkCalendarUserList(this);
+    const QPointer<BkCalendarUserList> dialog(new BkCalendarUserList(this));
     dialog->setResource(resource);
     // The picker runs a loop of its own, in which the host may rebuild the group: a column that is
-    // no longer ours has nobody to take the choice.
+    // no longer ours has nobody to take the choice. The host may as well close the calendar, and
+    // the picker goes with the view.
+    const QPointer<BkCalendarView> self(this);
     const QPointer<BkCalendarColumn> target(column);
-    if (dialog->exec() == QDialog::Accepted && target && mColumns.contains(column)) {
+    const int result = dialog->exec();
+    if (!self)
+        return;
+    if (result == QDialog::Accepted && dialog && target && mColumns.contains(column)) {
         const QVariant chosen = dialog->id();
         if (chosen.isNull()) {
             mScene->removeItem(column);

@@ -150,6 +150,7 @@ private slots:
     void shouldIgnoreHeaderDoubleClicksInDayMode();
     void shouldLeaveAGroupAloneThatTheHostRebuiltDuringThePick_data();
     void shouldLeaveAGroupAloneThatTheHostRebuiltDuringThePick();
+    void shouldSurviveAViewClosedDuringThePick();
 };
 
 void tst_BkCalendarViewGroup::initTestCase()
@@ -438,6 +439,30 @@ void tst_BkCalendarViewGroup::shouldLeaveAGroupAloneThatTheHostRebuiltDuringTheP
     QCOMPARE(savedGroup(), QStringLiteral("untouched"));
     // The resize pass after the picker still runs.
     QCOMPARE(sizes.count(), 1);
+}
+
+void tst_BkCalendarViewGroup::shouldSurviveAViewClosedDuringThePick()
+{
+    BkCalendarModel model;
+    auto* view = new BkCalendarView;
+    QPointer<BkCalendarView> alive(view);
+    view->setModel(&model);
+    view->resize(900, 500);
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view));
+    view->setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
+                        BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    BkCalendarColumn* column = view->getColumnList().first();
+    // The host closes the calendar while the picker is open, and the picker goes with it.
+    bool answered = false;
+    FwTest::whenModal([view, &answered](QWidget*) {
+        answered = true;
+        delete view;
+    });
+    column->emitHeaderActivated();
+    QVERIFY(answered);
+    QVERIFY(!alive);
+    QCOMPARE(savedGroup(), QStringLiteral("untouched"));
 }
 
 FW_TEST_MAIN(tst_BkCalendarViewGroup)
