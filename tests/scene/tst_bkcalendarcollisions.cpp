@@ -272,6 +272,7 @@ private slots:
     void shouldReturnClusterWithAskerLastEvenIfListLacksIt();
     void shouldFindWholeConnectedRunWhateverTheListOrder();
     void shouldTakeNewBoxIntoTheLayoutThroughItsFirstMove();
+    void shouldCountABoxWhoseBookingWasRemovedUntilItGoes();
     void shouldOrderItemsByStart();
     void shouldMatchTheLiteralRuleOnRandomDays_data();
     void shouldMatchTheLiteralRuleOnRandomDays();
@@ -536,6 +537,37 @@ void tst_BkCalendarCollisions::shouldTakeNewBoxIntoTheLayoutThroughItsFirstMove(
     QCOMPARE(b->widget->colCount(), 2);
     QCOMPARE(b->widget->colIndex(), 0);
     QCOMPARE(c->widget->x(), 100.0);
+    delete a;
+}
+
+void tst_BkCalendarCollisions::shouldCountABoxWhoseBookingWasRemovedUntilItGoes()
+{
+    BkColumnFixture fixture;
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* b = fixture.addItem(QTime(9, 30), QTime(10, 30), 2);
+    BkCalendarItem* c = fixture.addItem(QTime(12, 0), QTime(13, 0), 5);
+    QPointer<BkCalendarItemWidget> waiting = a->widget;
+    fixture.model.removeItem(a);
+    QVERIFY(waiting);
+    QVERIFY(!waiting->item());
+
+    // c moves to a's top: the box of the removed booking still takes its place in the cluster, and
+    // without a booking it takes no part in the tie-break, so it does not come before c either.
+    c->setTime(QTime(9, 0), QTime(9, 45));
+    QCOMPARE(c->widget->colCount(), 3);
+    QCOMPARE(c->widget->colIndex(), 0);
+    QCOMPARE(b->widget->colCount(), 3);
+    QCOMPARE(b->widget->colIndex(), 2);
+    QCOMPARE(waiting->colCount(), 3);
+    QCOMPARE(waiting->colIndex(), 0);
+
+    // Once the box is gone its share is free.
+    BkColumnFixture::flushDeletes();
+    QVERIFY(!waiting);
+    QCOMPARE(c->widget->colCount(), 2);
+    QCOMPARE(c->widget->colIndex(), 0);
+    QCOMPARE(b->widget->colIndex(), 1);
+    QCOMPARE(b->widget->x(), 100.0);
     delete a;
 }
 
