@@ -610,50 +610,64 @@ void BkCalendarView::headerActivated(BkCalendarColumn* column, BkCalendarResourc
     const int result = dialog->exec();
     if (!self)
         return;
-    if (result == QDialog::Accepted && dialog && target && mColumns.contains(column)) {
-        const QVariant chosen = dialog->id();
-        if (chosen.isNull()) {
-            mScene->removeItem(column);
-            mColumns.removeAll(column);
-            delete column;
-        } else {
-            column->setHeaderText(dialog->name());
-            column->setResource(dialog->resource());
-            column->update();
-            // Joined at every pick: a column picked twice reports each signal twice, as hosts know it.
-            relayColumn(column);
-
-            if (resource.id.isNull()) {
-                // The placeholder was filled: a new one stands behind it.
-                auto* placeholder = new BkCalendarColumn(nullptr, true);
-                connect(placeholder, qOverload<>(&BkCalendarColumn::widthChanged), this,
-                        &BkCalendarView::calculateSizes);
-                placeholder->setHeaderText(tr("Double click to set"));
-                placeholder->setRaise(mRaise);
-                placeholder->setTimeScale(mScale);
-                placeholder->init(-1.0);
-                placeholder->setResourceMode(1);
-                placeholder->update();
-                placeholder->setColorScheme(&mScheme);
-                placeholder->update();
-                placeholder->setDate(mDate);
-                placeholder->update();
-                placeholder->setResource(resource);
-                placeholder->update();
-                placeholder->setModel(mModel);
-                placeholder->setMinWidth(int(mMinWidth));
-                connect(placeholder, &BkCalendarColumn::headerActivated, this,
-                        &BkCalendarView::headerActivated);
-                mScene->addItem(placeholder);
-                mColumns.append(placeholder);
-            }
-        }
-        saveGroup();
-    }
+    if (result == QDialog::Accepted && dialog && target && mColumns.contains(column))
+        takePick(column, resource, *dialog);
 
     delete dialog;
     resizeEvent(nullptr);
     updateWidgets();
+}
+
+// Gives the double-clicked column the picker's choice. Its update may ask the host for the picked
+// person's days, and the new placeholder's set-up may ask too; should the host's answer build other
+// columns, the column has gone with them, and the rest of the choice goes as well.
+void BkCalendarView::takePick(BkCalendarColumn* column, const BkCalendarResource& was,
+                              const BkCalendarUserList& picker)
+{
+    if (picker.id().isNull()) {
+        mScene->removeItem(column);
+        mColumns.removeAll(column);
+        delete column;
+        saveGroup();
+        return;
+    }
+    const quint64 build = mBuilds;
+    column->setHeaderText(picker.name());
+    column->setResource(picker.resource());
+    column->update();
+    if (mBuilds != build)
+        return;
+    // Joined at every pick: a column picked twice reports each signal twice, as hosts know it.
+    relayColumn(column);
+
+    if (was.id.isNull()) {
+        // The placeholder was filled: a new one stands behind it.
+        auto* placeholder = new BkCalendarColumn(nullptr, true);
+        mColumnInSetUp = placeholder;
+        connect(placeholder, qOverload<>(&BkCalendarColumn::widthChanged), this,
+                &BkCalendarView::calculateSizes);
+        placeholder->setHeaderText(tr("Double click to set"));
+        placeholder->setRaise(mRaise);
+        placeholder->setTimeScale(mScale);
+        placeholder->init(-1.0);
+        placeholder->setResourceMode(1);
+        placeholder->update();
+        placeholder->setColorScheme(&mScheme);
+        placeholder->update();
+        placeholder->setDate(mDate);
+        placeholder->update();
+        placeholder->setResource(was);
+        placeholder->update();
+        placeholder->setModel(mModel);
+        if (mBuilds != build)
+            return;
+        mColumnInSetUp = nullptr;
+        placeholder->setMinWidth(int(mMinWidth));
+        connect(placeholder, &BkCalendarColumn::headerActivated, this, &BkCalendarView::headerActivated);
+        mScene->addItem(placeholder);
+        mColumns.append(placeholder);
+    }
+    saveGroup();
 }
 
 void BkCalendarView::saveGroup()

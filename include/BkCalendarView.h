@@ -19,6 +19,7 @@ class BkCalendarItem;
 class BkCalendarPlan;
 class BkCalendarScene;
 class BkCalendarTimeScale;
+class BkCalendarUserList;
 
 // The grid that the form embeds: the scene with the one time scale and the day columns. It shows
 // either several consecutive days of one person or resource (day mode), or one day of a whole group,
@@ -108,6 +109,7 @@ private:
     void makeDeferredBoxes();
     void makeBoxesBeforeLoad(const BkCalendarResource& resource, const QDate& date);
     void showInfo(int type);
+    void takePick(BkCalendarColumn* column, const BkCalendarResource& was, const BkCalendarUserList& picker);
     void saveGroup();
 
     // Not owned; the host may delete the model first, and then it reads as none.

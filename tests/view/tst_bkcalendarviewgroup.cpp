@@ -12,6 +12,7 @@
 #include <BkCalendarHeader.h>
 #include <BkCalendarInfoWidget.h>
 #include <BkCalendarItem.h>
+#include <BkCalendarItemWidget.h>
 #include <BkCalendarModel.h>
 #include <BkCalendarUserList.h>
 #include <BkCalendarView.h>
@@ -151,6 +152,9 @@ private slots:
     void shouldLeaveAGroupAloneThatTheHostRebuiltDuringThePick_data();
     void shouldLeaveAGroupAloneThatTheHostRebuiltDuringThePick();
     void shouldSurviveAViewClosedDuringThePick();
+    void shouldStopTheEditWhenTheHostRebuildsTheGroupOnTheLoad_data();
+    void shouldStopTheEditWhenTheHostRebuildsTheGroupOnTheLoad();
+    void shouldShowThePickedPersonsBookingsFromTheHostsAnswer();
 };
 
 void tst_BkCalendarViewGroup::initTestCase()
@@ -463,6 +467,77 @@ void tst_BkCalendarViewGroup::shouldSurviveAViewClosedDuringThePick()
     QVERIFY(answered);
     QVERIFY(!alive);
     QCOMPARE(savedGroup(), QStringLiteral("untouched"));
+}
+
+void tst_BkCalendarViewGroup::shouldStopTheEditWhenTheHostRebuildsTheGroupOnTheLoad_data()
+{
+    QTest::addColumn<bool>("onPlaceholder");
+    QTest::newRow("member") << false;
+    QTest::newRow("placeholder") << true;
+}
+
+void tst_BkCalendarViewGroup::shouldStopTheEditWhenTheHostRebuildsTheGroupOnTheLoad()
+{
+    QFETCH(bool, onPlaceholder);
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
+                         BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    BkCalendarColumn* clicked = g.view.getColumnList().at(onPlaceholder ? 1 : 0);
+    QPointer<BkCalendarColumn> gone(clicked);
+    // The host answers the request for the picked user's bookings by showing another group.
+    bool rebuilt = false;
+    QObject::connect(&g.model, &BkCalendarModel::loadData, &g.view,
+                     [&g, &rebuilt](const QDate&, const QDate&, const BkCalendarResource& resource) {
+                         if (rebuilt || resource.id.toInt() != 7)
+                             return;
+                         rebuilt = true;
+                         g.view.setResources({BkCalendarResource(30, QStringLiteral("Carl Dahl"), 0)});
+                     });
+    answerPicker(Answer::Pick, 7, 0);
+    doubleClickHeader(g.view, clicked);
+    QVERIFY(rebuilt);
+    // Taken away while the host was let in, the column goes once the event loop runs.
+    QVERIFY(!g.view.getColumnList().contains(clicked));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!gone);
+    QCOMPARE(captions(g.view), QStringList{QStringLiteral("Carl Dahl")});
+    QCOMPARE(indices(g.view), QList<int>{0});
+    QCOMPARE(savedGroup(), QStringLiteral("untouched"));
+}
+
+void tst_BkCalendarViewGroup::shouldShowThePickedPersonsBookingsFromTheHostsAnswer()
+{
+    GroupView g;
+    QVERIFY(g.ok);
+    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0)});
+    BkCalendarColumn* column = g.view.getColumnList().first();
+    // The host answers the request for Eva's days with one booking of hers.
+    QList<BkCalendarResource> asked;
+    QObject::connect(&g.model, &BkCalendarModel::loadData, &g.view,
+                     [&g, &asked](const QDate&, const QDate&, const BkCalendarResource& resource) {
+                         asked << resource;
+                         if (resource.id.toInt() != 7)
+                             return;
+                         auto* item = new BkCalendarItem;
+                         item->id = 501;
+                         item->setDate(Wednesday);
+                         item->setUserId(7);
+                         item->setTime(QTime(9, 0), QTime(10, 0));
+                         g.model.addItem(item);
+                     });
+    answerPicker(Answer::Pick, 7, 0);
+    doubleClickHeader(g.view, column);
+    QCOMPARE(asked.size(), 1);
+    QCOMPARE(asked.first().id.toInt(), 7);
+    QCOMPARE(column->resource().id.toInt(), 7);
+    int boxes = 0;
+    for (QGraphicsItem* child : column->childItems()) {
+        if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
+            boxes += box->item() && box->item()->id.toInt() == 501;
+    }
+    QCOMPARE(boxes, 1);
+    QCOMPARE(savedGroup(), QStringLiteral("7:0"));
 }
 
 FW_TEST_MAIN(tst_BkCalendarViewGroup)
