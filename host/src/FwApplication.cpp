@@ -18,6 +18,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <new>
 
 FwApplication* iApp = nullptr;
 
@@ -87,7 +88,13 @@ QVariant streamedValue(const QString& text, int type)
     QDataStream in(decoded.decoded);
     in.setVersion(StreamVersion);
     QVariant value;
-    in >> value;
+    // The stream reserves room for as many entries as a list's count claims before it reads them; a
+    // damaged or forged row may claim more than memory holds, which says the text is no such stream.
+    try {
+        in >> value;
+    } catch (const std::bad_alloc&) {
+        return QVariant();
+    }
     if (in.status() != QDataStream::Ok || !in.atEnd() || value.userType() != type)
         return QVariant();
     return value;

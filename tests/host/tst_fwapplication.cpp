@@ -249,6 +249,10 @@ void tst_FwApplication::shouldReadMalformedRowsAsText_data()
     QTest::newRow("size in another stream")
         << QStringLiteral("AAAAFQAAAAADAAAABA==") << QVariant(int(QMetaType::QVariantMap))
         << QVariant(QStringLiteral("AAAAFQAAAAADAAAABA=="));
+    // A list whose count claims far more entries than the row holds must not take the memory for them.
+    QTest::newRow("list claiming more entries than it holds")
+        << QStringLiteral("AAAACQB////w") << QVariant(int(QMetaType::QVariantList))
+        << QVariant(QStringLiteral("AAAACQB////w"));
 }
 
 void tst_FwApplication::shouldReadMalformedRowsAsText()
