@@ -47,10 +47,15 @@ signals:
     void userIdChanged(const QVariant& id);
 
 private:
+    // Takes away what the form on show put on the menu bar, and its tool bar.
+    void takeDownFormBars();
+
     static FwMainWindow* sWindow;
     QVariant mUserId;
     FwMenuBar* mMenuBar = nullptr;
     QPointer<FwToolBar> mToolBar;
+    // The entries that the form on show put on the menu bar; the host's own stay when it goes.
+    QList<QPointer<QAction>> mFormMenuActions;
     QPointer<FwForm> mForm;
 };
 

@@ -64,7 +64,13 @@ bool FwMainWindow::openForm(FwForm* form)
     mForm = form;
     form->setParent(this);
     form->createActions();
+    const QList<QAction*> hostActions = mMenuBar->actions();
     form->setupMenuBar(mMenuBar);
+    mFormMenuActions.clear();
+    for (QAction* action : mMenuBar->actions()) {
+        if (!hostActions.contains(action))
+            mFormMenuActions.append(action);
+    }
     if (form->hasToolBar()) {
         mToolBar = new FwToolBar(form->title(), this);
         mToolBar->setObjectName(QStringLiteral("formToolBar"));
@@ -93,19 +99,29 @@ bool FwMainWindow::closeForm()
         return false;
     form->closed();
     form->finalize();
-    // The form made its menus as children of the bar; they go with it. Later, since the close may come
-    // from one of their own actions.
-    for (QAction* action : mMenuBar->actions()) {
-        QMenu* menu = action->menu();
-        if (menu && menu->parent() == mMenuBar)
-            menu->deleteLater();
-    }
-    mMenuBar->clear();
-    delete mToolBar;
+    takeDownFormBars();
     takeCentralWidget();
     mForm = nullptr;
     form->deleteLater();
     return true;
+}
+
+void FwMainWindow::takeDownFormBars()
+{
+    // The form made its menus as children of the bar; they go with it. Later, since the close may come
+    // from one of their own actions.
+    for (const QPointer<QAction>& action : qAsConst(mFormMenuActions)) {
+        if (!action)
+            continue;
+        mMenuBar->removeAction(action);
+        QMenu* menu = action->menu();
+        if (menu && menu->parent() == mMenuBar)
+            menu->deleteLater();
+        else if (!menu && action->parent() == mMenuBar)
+            action->deleteLater();
+    }
+    mFormMenuActions.clear();
+    delete mToolBar;
 }
 
 QList<QDockWidget*> FwMainWindow::dockWidgets() const

@@ -81,6 +81,7 @@ private slots:
     void shouldProvideThePadlockPicture();
     void shouldLogToCategoryAndFile();
     void shouldRunTheFormLifeCycle();
+    void shouldKeepTheHostsOwnMenusWhenTheFormCloses();
     void shouldKeepTheLoggedInUser();
     void shouldTakeDocks();
     void shouldForgetTheMainWindowWhenItGoes();
@@ -336,6 +337,19 @@ void tst_FwWidgets::shouldRunTheFormLifeCycle()
     QTRY_VERIFY(form.isNull()); // the window deletes the form it took over
     // The menus that the form put on the bar go with it: each opening would leave another set.
     QTRY_VERIFY(menu.isNull());
+}
+
+void tst_FwWidgets::shouldKeepTheHostsOwnMenusWhenTheFormCloses()
+{
+    FwMainWindow window;
+    const QPointer<QMenu> edit = window.fwMenuBar()->addMenu(QStringLiteral("&Edit"));
+    QVERIFY(window.openForm(new RecordingForm));
+    QCOMPARE(window.fwMenuBar()->actions().size(), 2);
+    QVERIFY(window.closeForm());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // Only what the form put on the bar goes with it.
+    QVERIFY(edit);
+    QCOMPARE(window.fwMenuBar()->actions(), QList<QAction*>{edit->menuAction()});
 }
 
 void tst_FwWidgets::shouldKeepTheLoggedInUser()
