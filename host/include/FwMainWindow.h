@@ -34,7 +34,8 @@ public:
     FwToolBar* formToolBar() const;
 
     // Shows `form` in the centre: setupMenuBar, setupToolBar (when the form has a tool bar),
-    // open, opened. The window takes the form over; a form shown before is closed first.
+    // open, opened. The window takes the form over; a form shown before is closed first. Opening the
+    // form on show again leaves it as it is.
     bool openForm(FwForm* form);
     // Closes the form on show; false when the form refuses. The form is deleted.
     bool closeForm();

@@ -59,7 +59,10 @@ bool FwMainWindow::openForm(FwForm* form)
 {
     if (!form)
         return false;
-    if (mForm && mForm != form && !closeForm())
+    // A form on show is set up already: a second set-up would put its menus and tool bar up twice.
+    if (form == mForm)
+        return true;
+    if (mForm && !closeForm())
         return false;
     mForm = form;
     form->setParent(this);

@@ -82,6 +82,7 @@ private slots:
     void shouldLogToCategoryAndFile();
     void shouldRunTheFormLifeCycle();
     void shouldKeepTheHostsOwnMenusWhenTheFormCloses();
+    void shouldSetUpAFormOnceWhenItIsOpenedAgain();
     void shouldKeepTheLoggedInUser();
     void shouldTakeDocks();
     void shouldForgetTheMainWindowWhenItGoes();
@@ -350,6 +351,24 @@ void tst_FwWidgets::shouldKeepTheHostsOwnMenusWhenTheFormCloses()
     // Only what the form put on the bar goes with it.
     QVERIFY(edit);
     QCOMPARE(window.fwMenuBar()->actions(), QList<QAction*>{edit->menuAction()});
+}
+
+void tst_FwWidgets::shouldSetUpAFormOnceWhenItIsOpenedAgain()
+{
+    FwMainWindow window;
+    QPointer<RecordingForm> form = new RecordingForm;
+    QVERIFY(window.openForm(form));
+    QVERIFY(window.openForm(form));
+    QCOMPARE(window.form(), form.data());
+    QCOMPARE(form->calls, (QStringList{QStringLiteral("setupMenuBar"), QStringLiteral("setupToolBar"),
+                                       QStringLiteral("open"), QStringLiteral("opened")}));
+    QCOMPARE(window.fwMenuBar()->actions().size(), 1);
+    QCOMPARE(window.findChildren<FwToolBar*>().size(), 1);
+    QVERIFY(window.closeForm());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(form.isNull());
+    QVERIFY(window.fwMenuBar()->actions().isEmpty());
+    QVERIFY(window.findChildren<FwToolBar*>().isEmpty());
 }
 
 void tst_FwWidgets::shouldKeepTheLoggedInUser()
