@@ -58,6 +58,8 @@ private:
     // The entries that the form on show put on the menu bar; the host's own stay when it goes.
     QList<QPointer<QAction>> mFormMenuActions;
     QPointer<FwForm> mForm;
+    // Takes the form's bars down when the form is deleted while on show.
+    QMetaObject::Connection mFormGone;
 };
 
 #endif // FWMAINWINDOW_H

@@ -28,6 +28,8 @@ FwMainWindow::FwMainWindow(QWidget* parent, Qt::WindowFlags flags)
 
 FwMainWindow::~FwMainWindow()
 {
+    // The form goes with the window's children, after this window's own members.
+    disconnect(mFormGone);
     if (sWindow == this)
         sWindow = nullptr;
 }
@@ -65,6 +67,8 @@ bool FwMainWindow::openForm(FwForm* form)
     if (mForm && !closeForm())
         return false;
     mForm = form;
+    // A form deleted while on show leaves no menus or tool bar of its own behind.
+    mFormGone = connect(form, &QObject::destroyed, this, &FwMainWindow::takeDownFormBars);
     form->setParent(this);
     form->createActions();
     const QList<QAction*> hostActions = mMenuBar->actions();
@@ -102,6 +106,7 @@ bool FwMainWindow::closeForm()
         return false;
     form->closed();
     form->finalize();
+    disconnect(mFormGone);
     takeDownFormBars();
     takeCentralWidget();
     mForm = nullptr;

@@ -83,6 +83,7 @@ private slots:
     void shouldRunTheFormLifeCycle();
     void shouldKeepTheHostsOwnMenusWhenTheFormCloses();
     void shouldSetUpAFormOnceWhenItIsOpenedAgain();
+    void shouldTakeDownTheBarsOfAFormDeletedWhileShown();
     void shouldKeepTheLoggedInUser();
     void shouldTakeDocks();
     void shouldForgetTheMainWindowWhenItGoes();
@@ -369,6 +370,28 @@ void tst_FwWidgets::shouldSetUpAFormOnceWhenItIsOpenedAgain()
     QVERIFY(form.isNull());
     QVERIFY(window.fwMenuBar()->actions().isEmpty());
     QVERIFY(window.findChildren<FwToolBar*>().isEmpty());
+}
+
+void tst_FwWidgets::shouldTakeDownTheBarsOfAFormDeletedWhileShown()
+{
+    FwMainWindow window;
+    const QPointer<QMenu> edit = window.fwMenuBar()->addMenu(QStringLiteral("&Edit"));
+    auto* form = new RecordingForm;
+    QVERIFY(window.openForm(form));
+    const QPointer<QMenu> menu = window.fwMenuBar()->actions().last()->menu();
+    delete form;
+    QVERIFY(!window.form());
+    QVERIFY(!window.formToolBar());
+    QCOMPARE(window.fwMenuBar()->actions(), QList<QAction*>{edit->menuAction()});
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(menu.isNull());
+    QVERIFY(window.findChildren<FwToolBar*>().isEmpty());
+    // The next form finds the bars as clean as the first one did.
+    auto* next = new RecordingForm;
+    QVERIFY(window.openForm(next));
+    QCOMPARE(window.fwMenuBar()->actions().size(), 2);
+    QCOMPARE(window.findChildren<FwToolBar*>().size(), 1);
+    QVERIFY(window.closeForm());
 }
 
 void tst_FwWidgets::shouldKeepTheLoggedInUser()
