@@ -260,6 +260,8 @@ struct FwApplication::LocalStore
     QString application;
     std::unique_ptr<QSettings> settings;
     Stamp seen;
+    // Whether the log already tells that the file, as last taken in, holds a value that can't be read.
+    bool damageLogged = false;
 
     static Stamp stampOf(const QString& path)
     {
@@ -284,9 +286,23 @@ struct FwApplication::LocalStore
         const Stamp now = stampOf(settings->fileName());
         if (now != seen) {
             seen = now;
+            damageLogged = false;
             settings->sync();
         }
         return settings.get();
+    }
+
+    // The file may hold a value whose stream claims more entries than memory holds, which QSettings
+    // tries to make room for when it reads the value. Such a value is taken as unreadable: the file
+    // stays as it is and the default stands in for it.
+    void logDamage(const QString& what, int line)
+    {
+        if (damageLogged)
+            return;
+        damageLogged = true;
+        FwLog::log(QStringLiteral("[host/src/FwApplication:%1] %2 in %3")
+                       .arg(line)
+                       .arg(what, settings ? settings->fileName() : QString()));
     }
 };
 
@@ -426,12 +442,28 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
 
 QVariant FwApplication::localValue(const QString& key, const QVariant& defaultValue) const
 {
-    return mLocal->current()->value(key, defaultValue);
+    try {
+        return mLocal->current()->value(key, defaultValue);
+    } catch (const std::bad_alloc&) {
+        mLocal->logDamage(QStringLiteral("A damaged local value can't be read"), __LINE__);
+        return defaultValue;
+    }
 }
 
 void FwApplication::setLocalValue(const QString& key, const QVariant& value)
 {
-    QSettings* settings = mLocal->current();
+    QSettings* settings = nullptr;
+    try {
+        settings = mLocal->current();
+        // Writing takes in every value of the file, and one that can't be read would break off the write
+        // half done, with the settings object left unusable. So every value is read first.
+        settings->allKeys();
+    } catch (const std::bad_alloc&) {
+        mLocal->damageLogged = false;
+        mLocal->logDamage(QStringLiteral("The local value %1 can't be stored beside a damaged one").arg(key),
+                          __LINE__);
+        return;
+    }
     settings->setValue(key, value);
     settings->sync();
     // Another process may write between this write and a look at the file; the next read takes

@@ -36,6 +36,7 @@ private slots:
     void shouldGiveDefaultForUnsetLocalValue();
     void shouldReadALocalValueThatAnotherProcessWrote();
     void shouldKeepLocalValuesApartPerApplication();
+    void shouldGiveTheDefaultForADamagedLocalValue();
     void shouldShowMessagesInTheStatusBar();
     void shouldTakeTheMessageAwayAfterItsTime();
     void shouldLogMessagesWithoutMainWindow();
@@ -337,6 +338,38 @@ void tst_FwApplication::shouldKeepLocalValuesApartPerApplication()
     iApp->setLocalValue(key, QVariant());
     QCoreApplication::setApplicationName(name);
     iApp->setLocalValue(key, QVariant());
+}
+
+void tst_FwApplication::shouldGiveTheDefaultForADamagedLocalValue()
+{
+    const QString name = QCoreApplication::applicationName();
+    QCoreApplication::setApplicationName(name + QStringLiteral("-damaged"));
+    const QString key = QStringLiteral("CalendarLayout");
+    const QString path =
+        QSettings(QCoreApplication::organizationName(), QCoreApplication::applicationName()).fileName();
+    QFile::remove(path);
+    iApp->setLocalValue(key, QStringList{QStringLiteral("1:120")});
+    QCOMPARE(iApp->localValue(key).toStringList(), QStringList{QStringLiteral("1:120")});
+    // A stored list whose count claims far more entries than the file holds.
+    QSaveFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(
+        QByteArrayLiteral("[General]\nCalendarLayout=\"@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xf0)\"\n"));
+    QVERIFY(file.commit());
+
+    const QVariant fallback(QVariant::Int);
+    QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("damaged local value can't be read")));
+    QCOMPARE(iApp->localValue(key, fallback), fallback);
+    QCOMPARE(iApp->localValue(key, fallback), fallback);
+    // A write is refused rather than break off half done; the file stays as it was.
+    QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("CalendarLayout can't be stored")));
+    iApp->setLocalValue(key, QStringList{QStringLiteral("2:90")});
+    QCOMPARE(iApp->localValue(key, fallback), fallback);
+    QCOMPARE(iApp->localValue(QStringLiteral("other"), 5).toInt(), 5);
+    QCoreApplication::processEvents();
+
+    QVERIFY(QFile::remove(path));
+    QCoreApplication::setApplicationName(name);
 }
 
 void tst_FwApplication::shouldShowMessagesInTheStatusBar()
