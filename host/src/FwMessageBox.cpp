@@ -3,6 +3,32 @@
 #include <QAbstractButton>
 #include <QPushButton>
 
+namespace {
+// The refusal of a box: the button that Escape presses, chosen as QMessageBox chooses it (Cancel, else
+// the only button, else the one rejecting button, else the one "no" button); NoButton when there is none.
+QMessageBox::StandardButton refusalOf(const QMessageBox& box)
+{
+    if (box.button(QMessageBox::Cancel))
+        return QMessageBox::Cancel;
+    const QList<QAbstractButton*> buttons = box.buttons();
+    if (buttons.size() == 1)
+        return box.standardButton(buttons.first());
+    for (const QMessageBox::ButtonRole role : {QMessageBox::RejectRole, QMessageBox::NoRole}) {
+        QAbstractButton* found = nullptr;
+        int count = 0;
+        for (QAbstractButton* button : buttons) {
+            if (box.buttonRole(button) == role) {
+                found = button;
+                ++count;
+            }
+        }
+        if (count == 1)
+            return box.standardButton(found);
+    }
+    return QMessageBox::NoButton;
+}
+} // namespace
+
 FwMessageBox::FwMessageBox(QWidget* parent)
     : QMessageBox(parent)
 {
@@ -26,6 +52,10 @@ QMessageBox::StandardButton FwMessageBox::question(QWidget* parent, const QStrin
     box.setStandardButtons(buttons);
     if (defaultButton != QMessageBox::NoButton)
         box.setDefaultButton(defaultButton);
+    // A box that goes without a click answers like a refusal, and Escape presses the same button.
+    const QMessageBox::StandardButton refusal = refusalOf(box);
+    if (refusal != QMessageBox::NoButton)
+        box.setEscapeButton(refusal);
 
     int caption = 0;
     for (uint flag = QMessageBox::FirstButton; flag <= QMessageBox::LastButton && caption < captions.size();
@@ -40,8 +70,7 @@ QMessageBox::StandardButton FwMessageBox::question(QWidget* parent, const QStrin
     }
 
     const int result = box.exec();
-    // A box closed without a button (Escape with no escape button) answers like a refusal.
     if (!(buttons & result))
-        return QMessageBox::NoButton;
+        return refusal;
     return static_cast<QMessageBox::StandardButton>(result);
 }

@@ -16,6 +16,7 @@ private slots:
     void shouldPressTheDefaultOnReturn();
     void shouldOfferTheDefaultButtonToo();
     void shouldShowTitleTextAndCaptions();
+    void shouldRefuseWhenClosedWithoutAButton();
 };
 
 void tst_FwMessageBox::shouldReturnThePressedButton_data()
@@ -93,6 +94,20 @@ void tst_FwMessageBox::shouldShowTitleTextAndCaptions()
     QCOMPARE(text, QStringLiteral("Room taken"));
     QCOMPARE(yesCaption, QStringLiteral("Book anyway"));
     QCOMPARE(noCaption, QStringLiteral("Leave it"));
+}
+
+void tst_FwMessageBox::shouldRefuseWhenClosedWithoutAButton()
+{
+    // The caller takes every answer but No as a Yes; a box that goes without a click must not agree.
+    FwTest::whenModal([](QWidget* modal) {
+        auto box = qobject_cast<QMessageBox*>(modal);
+        QVERIFY(box);
+        box->reject();
+    });
+    const auto answer =
+        FwMessageBox::question(nullptr, QStringLiteral("Calendar"), QStringLiteral("Book twice?"),
+                               QMessageBox::Yes, QMessageBox::No, QStringList());
+    QCOMPARE(answer, QMessageBox::No);
 }
 
 FW_TEST_MAIN(tst_FwMessageBox)
