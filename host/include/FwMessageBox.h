@@ -17,7 +17,7 @@ public:
     // Asks `text` in a modal box with `buttons` and `defaultButton` (offered even when missing
     // from `buttons`); Return presses the default. `captions`, when given, replace the texts of
     // the buttons in the order of QMessageBox::StandardButton. Returns the button pressed; a box that
-    // goes without a click gives the refusal, the button that Escape presses.
+    // goes without a click, also with its parent, gives the refusal, the button that Escape presses.
     static QMessageBox::StandardButton
     question(QWidget* parent, const QString& title, const QString& text,
              QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No,

@@ -1,6 +1,7 @@
 #include "FwMessageBox.h"
 
 #include <QAbstractButton>
+#include <QPointer>
 #include <QPushButton>
 
 namespace {
@@ -45,31 +46,35 @@ QMessageBox::StandardButton FwMessageBox::question(QWidget* parent, const QStrin
     if (buttons == QMessageBox::NoButton)
         buttons = QMessageBox::Ok;
 
-    FwMessageBox box(parent);
-    box.setIcon(QMessageBox::Question);
-    box.setWindowTitle(title);
-    box.setText(text);
-    box.setStandardButtons(buttons);
+    // On the heap: a parent that goes while the question is open takes the box with it.
+    const QPointer<FwMessageBox> box = new FwMessageBox(parent);
+    box->setIcon(QMessageBox::Question);
+    box->setWindowTitle(title);
+    box->setText(text);
+    box->setStandardButtons(buttons);
     if (defaultButton != QMessageBox::NoButton)
-        box.setDefaultButton(defaultButton);
+        box->setDefaultButton(defaultButton);
     // A box that goes without a click answers like a refusal, and Escape presses the same button.
-    const QMessageBox::StandardButton refusal = refusalOf(box);
+    const QMessageBox::StandardButton refusal = refusalOf(*box);
     if (refusal != QMessageBox::NoButton)
-        box.setEscapeButton(refusal);
+        box->setEscapeButton(refusal);
 
     int caption = 0;
     for (uint flag = QMessageBox::FirstButton; flag <= QMessageBox::LastButton && caption < captions.size();
          flag <<= 1) {
         if (!(buttons & flag))
             continue;
-        if (QAbstractButton* button = box.button(static_cast<QMessageBox::StandardButton>(flag))) {
+        if (QAbstractButton* button = box->button(static_cast<QMessageBox::StandardButton>(flag))) {
             if (!captions.at(caption).isEmpty())
                 button->setText(captions.at(caption));
         }
         ++caption;
     }
 
-    const int result = box.exec();
+    const int result = box->exec();
+    if (!box)
+        return refusal;
+    delete box;
     if (!(buttons & result))
         return refusal;
     return static_cast<QMessageBox::StandardButton>(result);

@@ -17,6 +17,7 @@ private slots:
     void shouldOfferTheDefaultButtonToo();
     void shouldShowTitleTextAndCaptions();
     void shouldRefuseWhenClosedWithoutAButton();
+    void shouldRefuseWhenItsParentGoes();
 };
 
 void tst_FwMessageBox::shouldReturnThePressedButton_data()
@@ -108,6 +109,18 @@ void tst_FwMessageBox::shouldRefuseWhenClosedWithoutAButton()
         FwMessageBox::question(nullptr, QStringLiteral("Calendar"), QStringLiteral("Book twice?"),
                                QMessageBox::Yes, QMessageBox::No, QStringList());
     QCOMPARE(answer, QMessageBox::No);
+}
+
+void tst_FwMessageBox::shouldRefuseWhenItsParentGoes()
+{
+    auto* parent = new QWidget;
+    parent->show();
+    FwTest::whenModal([parent](QWidget*) { delete parent; });
+    const auto answer =
+        FwMessageBox::question(parent, QStringLiteral("Calendar"), QStringLiteral("Book twice?"),
+                               QMessageBox::Yes, QMessageBox::No, QStringList());
+    QCOMPARE(answer, QMessageBox::No);
+    QVERIFY(!QApplication::activeModalWidget());
 }
 
 FW_TEST_MAIN(tst_FwMessageBox)
