@@ -61,16 +61,35 @@ bool hasTextForm(int type)
 
 const QDataStream::Version StreamVersion = QDataStream::Qt_5_15;
 
+QVariant streamedValue(const QString& text, int type);
+
+// Bytes are kept as their text when they are text, so that the row reads as what it holds. Bytes that
+// aren't UTF-8 wouldn't come back from the text, a zero byte is refused by some databases in a text,
+// and a text that reads as the stream form of bytes would come back as those; all these are kept in
+// stream form.
+bool bytesAsText(const QByteArray& bytes, QString* text)
+{
+    *text = QString::fromUtf8(bytes);
+    return !bytes.contains('\0') && text->toUtf8() == bytes &&
+           !streamedValue(*text, QMetaType::QByteArray).isValid();
+}
+
 // The text form of a setting. Lists are kept as a JSON array so that commas inside the entries
 // survive. Values without a text of their own (lists of values, maps, sizes, colours, ...) would come
 // back empty or changed from their text, so they are kept in Qt's stream form, in base64.
 QString textOf(const QVariant& value)
 {
-    if (value.userType() == QMetaType::QStringList)
+    const int type = value.userType();
+    if (type == QMetaType::QStringList)
         return QString::fromUtf8(
             QJsonDocument(QJsonArray::fromStringList(value.toStringList())).toJson(QJsonDocument::Compact));
-    if (hasTextForm(value.userType()))
+    if (type == QMetaType::QByteArray) {
+        QString text;
+        if (bytesAsText(value.toByteArray(), &text))
+            return text;
+    } else if (hasTextForm(type)) {
         return value.toString();
+    }
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setVersion(StreamVersion);
@@ -122,6 +141,12 @@ QVariant valueOf(const QVariant& text, int type)
         }
         return string.isEmpty() ? QStringList() : string.split(QLatin1Char(','));
     }
+    case QMetaType::QByteArray: {
+        const QVariant streamed = streamedValue(string, type);
+        return streamed.isValid() ? streamed : QVariant(string.toUtf8());
+    }
+    case QMetaType::QChar:
+        return string.size() == 1 ? QVariant(string.at(0)) : QVariant(string);
     case QMetaType::Bool:
     case QMetaType::Int:
     case QMetaType::UInt:

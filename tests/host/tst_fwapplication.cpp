@@ -89,6 +89,9 @@ void tst_FwApplication::shouldReadBackWhatWasSet_data()
     QTest::newRow("size") << QVariant(QSize(3, 4)) << QString();
     QTest::newRow("null int") << QVariant(QVariant::Int) << QString();
     QTest::newRow("bytes with a zero") << QVariant(QByteArray("a\0b", 3)) << QString();
+    QTest::newRow("bytes that aren't text") << QVariant(QByteArray("\xff\xfe\x01", 3)) << QString();
+    QTest::newRow("bytes of text") << QVariant(QByteArrayLiteral("3,7")) << QString();
+    QTest::newRow("character") << QVariant(QChar(0x00e9)) << QString();
     QTest::newRow("date and time") << QVariant(QDateTime(QDate(2024, 2, 29), QTime(1, 2, 3, 456)))
                                    << QString();
 }
@@ -101,7 +104,9 @@ void tst_FwApplication::shouldReadBackWhatWasSet()
     iApp->setValue(value, key, table);
     const QVariant read = iApp->getValue(key, QStringLiteral("fallback"));
     QCOMPARE(read, value);
+    QCOMPARE(read.userType(), value.userType());
     QCOMPARE(read.toString(), value.toString());
+    QCOMPARE(read.toByteArray(), value.toByteArray());
 }
 
 void tst_FwApplication::shouldOverwriteAnEarlierValue()
