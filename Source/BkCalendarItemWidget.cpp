@@ -351,14 +351,12 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
             // The booking's time decides where the box stands: a proposal is taken only at the y
             // that the time gives, and sideways only together with it. The comparison is exact, so
             // it holds for minute heights that a float carries exactly (1, 1.5, 2, ...); hosts keep
-            // to those.
+            // to those. The time's y is worked out in double and only then kept as a float.
             const QPointF proposed = value.toPointF();
             const double m = double(mScale->minuteHeight());
             const double t = double(mScale->topMargin());
             const double snapped = std::trunc((proposed.y() - t) / m) * m + t;
-            const float expected =
-                float(minutesBetween(mScale->start(), mItem->start())) * float(mScale->minuteHeight()) +
-                float(mScale->topMargin());
+            const float expected = float(minutesBetween(mScale->start(), mItem->start()) * m + t);
             if ((snapped - double(expected)) / m == 0.0) {
                 // The proposal itself when it already lies on the snapped y: the same point, and
                 // no new value for Qt to allocate at every move of a box.

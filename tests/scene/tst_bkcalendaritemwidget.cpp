@@ -38,6 +38,8 @@ private slots:
     void shouldForgetBookingWhenRemovedAndRefuseEveryChange();
     void shouldIgnoreRemovalOfOtherBooking();
     void shouldRefusePositionThatTimeDoesNotGive();
+    void shouldStandWhereTheTimeSaysOnAScaleOfFractions_data();
+    void shouldStandWhereTheTimeSaysOnAScaleOfFractions();
     void shouldLetReservedBoxGoWhereProposed();
     void shouldRewireWidthWhenReparented();
     void shouldLayOutColumnWhenUpdated();
@@ -425,6 +427,40 @@ void tst_BkCalendarItemWidget::shouldRefusePositionThatTimeDoesNotGive()
     // A drag by the mouse proposes positions the same way.
     widget->moveBy(0, 45);
     QCOMPARE(widget->pos(), QPointF(20, 320));
+}
+
+void tst_BkCalendarItemWidget::shouldStandWhereTheTimeSaysOnAScaleOfFractions_data()
+{
+    QTest::addColumn<float>("minuteHeight");
+    QTest::addColumn<float>("topMargin");
+    QTest::addColumn<QTime>("start");
+    QTest::newRow("1.5 with 50") << 1.5f << 50.0f << QTime(7, 10);
+    QTest::newRow("1.7 with 33.3") << 1.7f << 33.3f << QTime(6, 48);
+    QTest::newRow("0.9 with 10.1") << 0.9f << 10.1f << QTime(6, 48);
+    QTest::newRow("0.9 with 25.7") << 0.9f << 25.7f << QTime(7, 36);
+}
+
+void tst_BkCalendarItemWidget::shouldStandWhereTheTimeSaysOnAScaleOfFractions()
+{
+    // The y that the time gives is worked out with the scale's values widened, and only then kept
+    // as a float: for these scales that float is the very y of the booking's row, so the box takes
+    // the place its time gives it.
+    QFETCH(float, minuteHeight);
+    QFETCH(float, topMargin);
+    QFETCH(QTime, start);
+    BkColumnFixture fixture;
+    fixture.scale->setMinuteHeight(minuteHeight);
+    fixture.scale->setTopMargin(topMargin);
+    BkCalendarItem item;
+    item.setTime(start, start.addSecs(3600));
+    BkCalendarItemWidget widget(&item, fixture.scale, nullptr);
+    const double y = QTime(6, 0).secsTo(start) / 60 * double(minuteHeight) + double(topMargin);
+    QCOMPARE(widget.boxY(), y);
+    QCOMPARE(widget.pos(), QPointF(widget.boxX(), y));
+
+    // A proposal anywhere in that row is taken at the row's y.
+    widget.setPos(10.0, y + 0.5 * double(minuteHeight));
+    QCOMPARE(widget.pos(), QPointF(10.0, y));
 }
 
 void tst_BkCalendarItemWidget::shouldLetReservedBoxGoWhereProposed()
