@@ -212,7 +212,8 @@ void BkCalendarItem::setToolTip(const QString& toolTip)
 
 void BkCalendarItem::setStatusId(const QVariant& id)
 {
-    if (statusId == id)
+    // QVariant equality converts its right-hand side: the new value is asked, as in the key setters.
+    if (id == statusId)
         return;
     statusId = id;
     notify();

@@ -45,6 +45,8 @@ private slots:
     void shouldMarkUnsavedOnSettingPresentValue();
     void shouldLeaveSavedTimesOnSetStartAndSetEnd();
     void shouldMarkStatusChangeOnlyWhenStatusDiffers();
+    void shouldAskWhetherNewStatusEqualsPresentOne_data();
+    void shouldAskWhetherNewStatusEqualsPresentOne();
     void shouldWriteWithoutNotifyingOnPlainSetters();
     void shouldRollBackToFirstTimeSetWhileClean();
     void shouldTakeRollbackValueFromNewValue();
@@ -264,6 +266,42 @@ void TestBkCalendarItem::shouldMarkStatusChangeOnlyWhenStatusDiffers()
     QCOMPARE(item->statusId, QVariant(5));
     QCOMPARE(changed.count(), 1);
     QVERIFY(model.isInvalid(item));
+}
+
+void TestBkCalendarItem::shouldAskWhetherNewStatusEqualsPresentOne_data()
+{
+    QTest::addColumn<QVariant>("present");
+    QTest::addColumn<QVariant>("given");
+    QTest::addColumn<bool>("changes");
+
+    // QVariant equality converts the right-hand value to the type of the left-hand one, so it is not
+    // symmetric: the new value is the one on the left.
+    QTest::newRow("text 1.0, number 1") << QVariant(QStringLiteral("1.0")) << QVariant(1.0) << false;
+    QTest::newRow("number 1, text 1.0") << QVariant(1.0) << QVariant(QStringLiteral("1.0")) << true;
+    QTest::newRow("text 1, true") << QVariant(QStringLiteral("1")) << QVariant(true) << false;
+    QTest::newRow("true, text 1") << QVariant(true) << QVariant(QStringLiteral("1")) << true;
+    QTest::newRow("same number") << QVariant(4) << QVariant(4) << false;
+    QTest::newRow("other number") << QVariant(4) << QVariant(5) << true;
+}
+
+void TestBkCalendarItem::shouldAskWhetherNewStatusEqualsPresentOne()
+{
+    QFETCH(QVariant, present);
+    QFETCH(QVariant, given);
+    QFETCH(bool, changes);
+
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, QVariant());
+    item->statusId = present;
+    QVERIFY(model.addItem(item));
+    QSignalSpy changed(&model, &BkCalendarModel::itemChanged);
+
+    item->setStatusId(given);
+
+    QCOMPARE(changed.count(), changes ? 1 : 0);
+    QCOMPARE(model.isInvalid(item), changes);
+    QCOMPARE(item->statusId.userType(), (changes ? given : present).userType());
+    QCOMPARE(item->statusId.toString(), (changes ? given : present).toString());
 }
 
 void TestBkCalendarItem::shouldWriteWithoutNotifyingOnPlainSetters()
