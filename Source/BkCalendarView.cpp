@@ -505,14 +505,19 @@ void BkCalendarView::setWidthType(WidthType type)
     mWidthType = type;
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    bool kept = true;
     if (type == WidthFixed) {
-        for (BkCalendarColumn* column : qAsConst(mColumns))
+        kept = forEachColumn(mColumns, [this](BkCalendarColumn* column) {
             column->setWidthScale(mMinWidth, WidthFixed, -1.0);
+        });
     } else {
         ensureVisible(QRectF(0, 0, 1, 1), 50, 50);
-        for (BkCalendarColumn* column : qAsConst(mColumns))
-            column->setWidthScale(1.0 / mColumns.count(), type, -1.0);
+        const double share = 1.0 / mColumns.count();
+        kept = forEachColumn(
+            mColumns, [share, type](BkCalendarColumn* column) { column->setWidthScale(share, type, -1.0); });
     }
+    if (!kept)
+        return;
     resizeEvent(nullptr);
 }
 
@@ -522,8 +527,8 @@ void BkCalendarView::setWidth(double width, WidthType type)
     mMinWidth = width;
     // Unlike setWidthType, the vertical policy stays as it is.
     setHorizontalScrollBarPolicy(type == WidthFixed ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
-    for (BkCalendarColumn* column : qAsConst(mColumns))
-        column->setWidthScale(width, type, -1.0);
+    forEachColumn(mColumns,
+                  [width, type](BkCalendarColumn* column) { column->setWidthScale(width, type, -1.0); });
 }
 
 void BkCalendarView::setMinWidth(int width)

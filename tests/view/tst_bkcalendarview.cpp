@@ -983,6 +983,15 @@ struct AnnasWeekWithBookings : AnnasWeek
             view.setResources({anna, ben});
         } else if (action == QLatin1String("the group three weeks on")) {
             view.setDate(Monday.addDays(21));
+        } else if (action == QLatin1String("fixed widths after a clear")) {
+            model.clear();
+            view.setWidthType(WidthFixed);
+        } else if (action == QLatin1String("shared widths after a clear")) {
+            model.clear();
+            view.setWidthType(WidthProportional);
+        } else if (action == QLatin1String("set widths after a clear")) {
+            model.clear();
+            view.setWidth(120.0, WidthFixed);
         }
     }
 };
@@ -1022,16 +1031,21 @@ void verifyColumnsAndBoxes(BkCalendarView& view)
 void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToALoad_data()
 {
     // The host answers the first load request by building other columns, or by updating the view,
-    // while the view is in the middle of moving to a date, building days or a group, or changing the
-    // person; the request comes from a column being set up or updated, or from the group's check for
-    // members without a schedule.
+    // while the view is in the middle of moving to a date, building days or a group, changing the
+    // person, or giving the columns their widths after the model was cleared; the request comes from a
+    // column being set up or updated, or from the group's check for members without a schedule.
     QTest::addColumn<QString>("action");
     QTest::addColumn<QString>("answer");
-    const QStringList actions = {QStringLiteral("three weeks on"), QStringLiteral("fourteen days"),
-                                 QStringLiteral("Ben"), QStringLiteral("a group"),
-                                 QStringLiteral("the group three weeks on")};
-    const QStringList answers = {QStringLiteral("two days"), QStringLiteral("another group"),
-                                 QStringLiteral("an update")};
+    const QStringList actions = {QStringLiteral("three weeks on"),
+                                 QStringLiteral("fourteen days"),
+                                 QStringLiteral("Ben"),
+                                 QStringLiteral("a group"),
+                                 QStringLiteral("the group three weeks on"),
+                                 QStringLiteral("fixed widths after a clear"),
+                                 QStringLiteral("shared widths after a clear"),
+                                 QStringLiteral("set widths after a clear")};
+    const QStringList answers = {QStringLiteral("two days"), QStringLiteral("thirty days"),
+                                 QStringLiteral("another group"), QStringLiteral("an update")};
     for (const QString& action : actions)
         for (const QString& answer : answers)
             QTest::addRow("%s, %s", qPrintable(action), qPrintable(answer)) << action << answer;
@@ -1061,6 +1075,8 @@ void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToAL
         answered = true;
         if (answer == QLatin1String("two days"))
             f.view.setDays(2);
+        else if (answer == QLatin1String("thirty days"))
+            f.view.setDays(30);
         else if (answer == QLatin1String("another group"))
             f.view.setResources(otherGroup);
         else
@@ -1069,9 +1085,9 @@ void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToAL
     f.act(action);
 
     QVERIFY(answered);
-    if (answer == QLatin1String("two days")) {
+    if (answer.endsWith(QLatin1String(" days"))) {
         QCOMPARE(f.view.dayMode(), 1);
-        QCOMPARE(f.view.getColumnList().size(), 2);
+        QCOMPARE(f.view.getColumnList().size(), answer == QLatin1String("two days") ? 2 : 30);
     } else if (answer == QLatin1String("another group")) {
         QCOMPARE(f.view.dayMode(), 0);
         QCOMPARE(f.view.getColumnList().size(), 2);
