@@ -74,6 +74,51 @@ void forgetOtherBox(const BkCalendarItem* item, BkCalendarItemWidget* box)
         table.erase(found);
 }
 
+// A booking followed by a gesture past the point where its box may lose it: a release lets the host
+// in, and the host's answer may take the box away while the booking lives on, or delete the booking.
+// A booking's deletion strikes it from every watch, so no address is ever followed after it is freed.
+class BookingWatch
+{
+public:
+    explicit BookingWatch(const BkCalendarItem* item)
+        : mItem(item)
+    {
+        watches().append(this);
+    }
+    ~BookingWatch()
+    {
+        QVarLengthArray<BookingWatch*, 2>& all = watches();
+        for (int i = 0; i < all.size(); ++i) {
+            if (all.at(i) == this) {
+                all.remove(i);
+                break;
+            }
+        }
+    }
+    BookingWatch(const BookingWatch&) = delete;
+    BookingWatch& operator=(const BookingWatch&) = delete;
+
+    bool lives() const { return mItem != nullptr; }
+
+    static void gone(const BkCalendarItem* item)
+    {
+        for (BookingWatch* watch : watches()) {
+            if (watch->mItem == item)
+                watch->mItem = nullptr;
+        }
+    }
+    static bool none() { return watches().isEmpty(); }
+
+private:
+    static QVarLengthArray<BookingWatch*, 2>& watches()
+    {
+        static QVarLengthArray<BookingWatch*, 2> all;
+        return all;
+    }
+
+    const BkCalendarItem* mItem;
+};
+
 // The booking's text kept from one paint to the next. A document keeps what it has read, pictures
 // and style sheets, and lays itself out to their sizes; the files may change or appear between paints,
 // so a document that has read anything is not kept.
@@ -165,6 +210,8 @@ void BkCalendarItemWidget::setItem(BkCalendarItem* item)
 
 void BkCalendarItemWidget::releaseOtherBoxes(const BkCalendarItem* item)
 {
+    if (!BookingWatch::none())
+        BookingWatch::gone(item);
     if (otherBoxes().isEmpty())
         return;
     const Boxes boxes = otherBoxes().take(item);
@@ -460,25 +507,25 @@ void BkCalendarItemWidget::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 {
     if (!mItem || mItem->type() == BkCalendarItem::Reserved)
         return;
-    bool keep = true;
     // The check may read a day of the resource that the model lacks; the host's answer to that load
-    // request, like the question's own loop, may take this box or its booking away.
+    // request, like the question's own loop, may take this box away while its booking lives on in a
+    // box of the answer. The release is the booking's, so it is finished on the booking.
     QPointer<BkCalendarItemWidget> self(this);
-    const bool booked = mMoved && mColumn && mColumn->isResourceBooked(mItem);
-    if (!self)
-        return;
-    if (booked && mItem) {
+    BkCalendarItem* const item = mItem;
+    const BookingWatch watch(item);
+    bool keep = true;
+    if (mMoved && mColumn && mColumn->isResourceBooked(item) && watch.lives()) {
         keep = FwMessageBox::question(event->widget(), tr("Resource booked double"),
                                       tr("Do you want to make a double booked resource ?"), QMessageBox::Yes,
                                       QMessageBox::No, QStringList()) != QMessageBox::No;
-        if (!self)
-            return;
-        if (!keep && mItem && mItem->model)
-            mItem->rollback();
+        if (!keep && watch.lives())
+            item->rollback();
     }
     // Every release commits, a plain click included.
-    if (keep && mItem)
-        mItem->commit(false);
+    if (keep && watch.lives())
+        item->commit(false);
+    if (!self)
+        return;
     mMoved = false;
     mPressPos = QPointF(0.0, 0.0);
     QGraphicsItem::mouseReleaseEvent(event);

@@ -100,7 +100,7 @@ public:
     // Written by the booking when it goes, so that the box outlives it with no booking.
     void setItem(BkCalendarItem* item);
     // Called by a booking as it goes: the boxes of other columns that show it, beside its `widget`,
-    // outlive it with no booking too.
+    // outlive it with no booking too, and a release in progress no longer follows it.
     static void releaseOtherBoxes(const BkCalendarItem* item);
 
 signals:

@@ -72,6 +72,9 @@ private slots:
     void releaseOfADoubleBookingAsks_data();
     void releaseOfADoubleBookingAsks();
     void releaseOutlivesABoxThatTheLoadAnswerTakesAway();
+    void releaseAsksOfADoubleBookingWhoseBoxTheLoadAnswerTakesAway_data();
+    void releaseAsksOfADoubleBookingWhoseBoxTheLoadAnswerTakesAway();
+    void releaseLeavesABookingThatTheLoadAnswerDeletes();
     void clickCommitsWithoutAsking();
     void keysMoveByOneMinute();
     void keyAtTheFirstBookableMinuteStillCommits();
@@ -325,6 +328,85 @@ void tst_BkCalendarGestures::releaseOutlivesABoxThatTheLoadAnswerTakesAway()
     QVERIFY(item->widget);
     QCOMPARE(item->widget->parentItem(), column);
     QCOMPARE(item->start(), t(11, 0));
+    // The booking outlives its old box: the release still commits the move.
+    QVERIFY(f.s.model.commitTimer()->isActive());
+    QSignalSpy saved(&f.s.model, &BkCalendarModel::saveItems);
+    QTRY_COMPARE_WITH_TIMEOUT(saved.count(), 1, 20000);
+    QCOMPARE(saved.at(0).at(0).value<QList<BkCalendarItem*>>(), QList<BkCalendarItem*>() << item);
+}
+
+void tst_BkCalendarGestures::releaseAsksOfADoubleBookingWhoseBoxTheLoadAnswerTakesAway_data()
+{
+    QTest::addColumn<int>("answer");
+    QTest::newRow("yes keeps the double booking") << int(QMessageBox::Yes);
+    QTest::newRow("no takes the move back") << int(QMessageBox::No);
+}
+
+// As above, but the host's answer brings a booking of someone else on the room at the same time: the
+// moved booking, now in a box of the answer, is double booked, and the user is asked about it.
+void tst_BkCalendarGestures::releaseAsksOfADoubleBookingWhoseBoxTheLoadAnswerTakesAway()
+{
+    QFETCH(int, answer);
+    Fixture f;
+    BkCalendarItem* item = f.s.addItem(1, Day, Anna.id, Room, t(9, 0), t(10, 0));
+    BkCalendarColumn* column = f.makeColumn();
+    QPointer<BkCalendarItemWidget> box = item->widget;
+    connect(&f.s.model, &BkCalendarModel::loadData, this,
+            [&](const QDate&, const QDate&, const BkCalendarResource& resource) {
+                if (resource.type == 1) {
+                    f.s.addItem(2, Day, QVariant(18), Room, t(11, 0), t(12, 0));
+                    column->updateChildren();
+                }
+            });
+    QuestionAnswerer answerer{QMessageBox::StandardButton(answer)};
+
+    f.s.press(f.at(t(9, 30)));
+    f.s.moveTo(f.at(t(9, 45)));
+    f.s.moveTo(f.at(t(11, 0)));
+    QCOMPARE(item->start(), t(11, 0));
+    f.s.release(f.at(t(11, 0)));
+    QVERIFY(box);
+    QVERIFY(!box->item());
+    QCOMPARE(answerer.asked, 1);
+    QVERIFY(item->widget);
+    QVERIFY(item->widget != box);
+    if (answer == QMessageBox::Yes) {
+        QCOMPARE(item->start(), t(11, 0));
+        QVERIFY(f.s.model.isInvalid(item));
+        QVERIFY(f.s.model.commitTimer()->isActive());
+    } else {
+        // Back to the time of the first step of the gesture, in the box of the answer.
+        QCOMPARE(item->start(), t(9, 45));
+        QCOMPARE(item->end(), t(10, 45));
+        QVERIFY(!f.s.model.isInvalid(item));
+        QVERIFY(!f.s.model.commitTimer()->isActive());
+        QCOMPARE(item->widget->pos().y(), 50.0 + 2.0 * (3 * 60 + 45));
+    }
+}
+
+// The host answers the load request by starting over: every booking goes, the moved one with it.
+void tst_BkCalendarGestures::releaseLeavesABookingThatTheLoadAnswerDeletes()
+{
+    Fixture f;
+    BkCalendarItem* item = f.s.addItem(1, Day, Anna.id, Room, t(9, 0), t(10, 0));
+    f.makeColumn();
+    QPointer<BkCalendarItemWidget> box = item->widget;
+    connect(&f.s.model, &BkCalendarModel::loadData, this,
+            [&](const QDate&, const QDate&, const BkCalendarResource& resource) {
+                if (resource.type == 1) {
+                    f.s.model.clear();
+                    f.s.addItem(2, Day, QVariant(18), Room, t(11, 0), t(12, 0));
+                }
+            });
+    QuestionAnswerer answerer(QMessageBox::Yes);
+
+    f.s.press(f.at(t(9, 30)));
+    f.s.moveTo(f.at(t(11, 0)));
+    f.s.release(f.at(t(11, 0)));
+    QCOMPARE(answerer.asked, 0);
+    QVERIFY(!f.s.model.commitTimer()->isActive());
+    QVERIFY(box);
+    QVERIFY(!box->item());
 }
 
 void tst_BkCalendarGestures::clickCommitsWithoutAsking()
