@@ -1043,7 +1043,17 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
     item->setTime(s, e);
     if (gone())
         return false;
-    item->setKeys(mDate, mResource);
+    // The booking takes this column's date and key in the two steps of setKeys, each of which tells
+    // of the change: an answer to the first may take the booking away before the second.
+    item->setDate(mDate, true);
+    if (gone())
+        return false;
+    if (mResource.type != 0)
+        item->setResourceId(mResource.id, true);
+    else
+        item->setUserId(mResource.id, true);
+    if (gone())
+        return false;
     if (item->widget)
         item->widget->update();
     return true;

@@ -94,6 +94,7 @@ private slots:
     void shouldKeepARowWhoseBookingIsGone();
     void shouldLeaveRowsThatTheHostChangesWhileTakingOff();
     void shouldSelectNoBookingThatTheHostTakesAwayWhileTakingOff();
+    void shouldStopTakingOffABookingThatTheHostTakesAwayOnItsNewDay();
     void shouldParkWithCtrlXAndAdvance();
     void shouldNotAdvanceOnCtrlXWithoutABooking();
     void shouldAdvanceOnCtrlXOfAParkedBooking();
@@ -301,6 +302,32 @@ void tst_BkCalendarMoveList::shouldSelectNoBookingThatTheHostTakesAwayWhileTakin
     QVERIFY(!item);
     QVERIFY(w.form.view()->selectedItems().isEmpty());
     QCOMPARE(w.rows(), 0);
+}
+
+void tst_BkCalendarMoveList::shouldStopTakingOffABookingThatTheHostTakesAwayOnItsNewDay()
+{
+    Week w;
+    BkCalendarItem* item =
+        addBooking(w.form.model(), 7, Monday, QTime(9, 0), QTime(10, 0), QStringLiteral("Taken"));
+    w.form.addToMoveList(item);
+    w.selectOnly(w.column(2));
+    // A host that reloads a booking as soon as it hears of its new day: the booking goes between
+    // the new day and the new person.
+    int told = 0;
+    QObject::connect(w.form.model(), &BkCalendarModel::itemChanged, &w.form, [&](BkCalendarItem* changed) {
+        if (!item || changed != item || item->date() == Monday)
+            return;
+        ++told;
+        w.form.model()->removeItem(item);
+        delete item;
+        item = nullptr;
+    });
+    w.form.moveFromList();
+    QCOMPARE(told, 1);
+    QVERIFY(!item);
+    // The move did not end: the row stays, and nothing is saved.
+    QCOMPARE(w.rows(), 1);
+    QVERIFY(!w.form.model()->commitTimer()->isActive());
 }
 
 void tst_BkCalendarMoveList::shouldParkWithCtrlXAndAdvance()
