@@ -316,6 +316,11 @@ void BkCalendarColumn::discard(BkCalendarColumn* column)
             column->mModel->disconnect(column);
         for (QGraphicsItem* child : column->childItems())
             BkCalendarItemWidget::retire(child);
+    } else if (QGraphicsScene* scene = column->scene()) {
+        // A selected column or box that leaves the scene tells of the change of selection at once, and
+        // the host's answer may load, take bookings away or build other columns: it finds this column
+        // whole, out of the scene, and not yet half deleted.
+        scene->removeItem(column);
     }
     BkCalendarHostVisit::remove(column);
 }

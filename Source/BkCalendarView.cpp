@@ -147,13 +147,19 @@ void BkCalendarView::setRaise(BkCalendarColumn::Raise raise)
         column->setRaise(raise);
 }
 
-void BkCalendarView::deleteColumns()
+bool BkCalendarView::deleteColumns()
 {
-    ++mBuilds;
+    const quint64 build = ++mBuilds;
     if (mColumnInSetUp)
         BkCalendarColumn::discard(std::exchange(mColumnInSetUp, nullptr));
-    while (!mColumns.isEmpty())
+    // A selected column or box that goes tells the host at once; should its answer build columns of
+    // its own, those stand, and the caller's build ends here.
+    while (!mColumns.isEmpty()) {
         BkCalendarColumn::discard(mColumns.takeLast());
+        if (mBuilds != build)
+            return false;
+    }
+    return true;
 }
 
 void BkCalendarView::relayColumn(BkCalendarColumn* column)
@@ -195,7 +201,8 @@ void BkCalendarView::setDays(int days)
 {
     mDayMode = 1;
     // An info widget stays: only a new group takes it away.
-    deleteColumns();
+    if (!deleteColumns())
+        return;
     // A load request lets the host in, and its answer may build columns of its own; that build is then
     // complete, and this one ends where it is.
     const quint64 build = mBuilds;
@@ -249,7 +256,8 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
         BkCalendarHostVisit::remove(mInfo);
         mInfo = nullptr;
     }
-    deleteColumns();
+    if (!deleteColumns())
+        return;
 
     if (resources.isEmpty()) {
         showInfo(0);

@@ -104,7 +104,8 @@ private slots:
     void moveScale();
 
 private:
-    void deleteColumns();
+    // False when the host's answer to a change of selection on the way built columns of its own.
+    bool deleteColumns();
     void relayColumn(BkCalendarColumn* column);
     void makeDeferredBoxes();
     void makeBoxesBeforeLoad(const BkCalendarResource& resource, const QDate& date);

@@ -192,6 +192,7 @@ private slots:
     void shouldDoNothingOnCtrlArrowsWithoutColumns();
     void shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared_data();
     void shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared();
+    void shouldLetTheHostLayTheGroupWhenTheSelectedColumnGoes();
     void shouldStepBookingsWithCtrlUpAndDown();
     void shouldAdvanceInTheGroupThatTheHostLaysAnewOnAParkedBooking();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
@@ -1338,6 +1339,44 @@ void tst_BkCalendar::shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared()
     // Nobody of the group is the logged-in user, whom the new group was built for: none is selected.
     QCOMPARE(form.view()->resource().id.toInt(), 99);
     QVERIFY(form.view()->selectedItems().isEmpty());
+}
+
+void tst_BkCalendar::shouldLetTheHostLayTheGroupWhenTheSelectedColumnGoes()
+{
+    // The selected column of the day goes with the old days, and the host hears the selection go
+    // while the view takes the columns away. It answers with a booking of that very day and with the
+    // group, for which it loads a booking too: its group stands, with the booking it loaded.
+    BkCalendar form(nullptr, AllShows);
+    const BkCalendarResource anna(5, QStringLiteral("Anna"), 0);
+    form.setResource(anna);
+    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
+    form.setDate(Wednesday);
+    QVERIFY(form.getSelectedColumn());
+    BkCalendarItem* loaded = nullptr;
+    connect(form.model(), &BkCalendarModel::loadData, &form,
+            [&](const QDate& from, const QDate&, const BkCalendarResource& who) {
+                if (!loaded && who.id.toInt() == 6)
+                    loaded = addBooking(form.model(), 2, from.addDays(8), 6, QTime(9, 0), QTime(10, 0));
+            });
+    BkCalendarItem* annas = nullptr;
+    connect(&form, &BkCalendar::selectionChanged, &form, [&] {
+        if (annas)
+            return;
+        annas = addBooking(form.model(), 1, Wednesday, 5, QTime(11, 0), QTime(12, 0));
+        form.showGroup();
+    });
+    form.show5Day();
+    QVERIFY(annas);
+    QVERIFY(loaded);
+    QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
+    QCOMPARE(form.view()->getColumnList().count(), 1);
+    BkCalendarColumn* column = form.view()->getColumnList().first();
+    QCOMPARE(column->resource().id.toInt(), 6);
+    QVERIFY(loaded->widget);
+    QCOMPARE(loaded->widget->parentItem(), static_cast<QGraphicsItem*>(column));
+    QCOMPARE(form.model()->findId(1), annas);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!form.view()->grab().isNull());
 }
 
 void tst_BkCalendar::shouldStepBookingsWithCtrlUpAndDown()
