@@ -580,10 +580,16 @@ QVariant BkCalendarColumn::itemChange(QGraphicsItem::GraphicsItemChange change, 
         // what the host takes away meanwhile lasts until the event loop.
         if (!mSelectionVisit)
             mSelectionVisit.emplace();
-        if (value.toBool())
+        if (value.toBool()) {
+            ++mTellingDate;
             emit dateSelected(mDate);
+            --mTellingDate;
+        }
     } else if (change == ItemSelectedHasChanged) {
-        mSelectionVisit.reset();
+        // The host's answer may select this column again, inside the change that is telling of it;
+        // Qt still holds the column after that answer.
+        if (mTellingDate == 0)
+            mSelectionVisit.reset();
     } else if (change == ItemChildAddedChange || change == ItemChildRemovedChange) {
         auto* child = qvariant_cast<QGraphicsItem*>(value);
         if (mHeader && child && child != mHeader) {

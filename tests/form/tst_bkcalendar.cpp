@@ -193,6 +193,7 @@ private slots:
     void shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared_data();
     void shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared();
     void shouldLetTheHostLayTheGroupWhenTheSelectedColumnGoes();
+    void shouldLetTheHostGoToTheClickedDayAndLayTheGroup();
     void shouldStepBookingsWithCtrlUpAndDown();
     void shouldAdvanceInTheGroupThatTheHostLaysAnewOnAParkedBooking();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
@@ -1375,6 +1376,39 @@ void tst_BkCalendar::shouldLetTheHostLayTheGroupWhenTheSelectedColumnGoes()
     QVERIFY(loaded->widget);
     QCOMPARE(loaded->widget->parentItem(), static_cast<QGraphicsItem*>(column));
     QCOMPARE(form.model()->findId(1), annas);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!form.view()->grab().isNull());
+}
+
+void tst_BkCalendar::shouldLetTheHostGoToTheClickedDayAndLayTheGroup()
+{
+    // A click selects a column of the week, and the host answers its date with that very date, which
+    // selects the same column once more inside the click, and then with the group: the column goes
+    // while the click still holds it, and the host's group stands.
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
+    form.setDate(Monday);
+    form.show5Day();
+    form.resize(900, 600);
+    form.show();
+    QCOMPARE(form.view()->getColumnList().count(), 5);
+    BkCalendarColumn* wednesday = form.view()->getColumnList().at(2);
+    QVERIFY(!wednesday->isSelected());
+    int answered = 0;
+    connect(&form, &BkCalendar::dateSelected, &form, [&](QDate date) {
+        if (answered++)
+            return;
+        form.setDate(date);
+        form.showGroup();
+    });
+    const QPoint at = form.view()->mapFromScene(wednesday->mapToScene(wednesday->boundingRect().center()));
+    QTest::mousePress(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QTest::mouseRelease(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QVERIFY(answered > 0);
+    QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
+    QCOMPARE(form.view()->getColumnList().count(), 1);
+    QCOMPARE(form.view()->getColumnList().first()->resource().id.toInt(), 6);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!form.view()->grab().isNull());
 }
