@@ -86,6 +86,10 @@ BkCalendar::~BkCalendar()
     // items and must not reach the form's signals and slots once the form itself is gone.
     disconnect(mUi->cal->scene(), nullptr, this, nullptr);
     disconnect(mUi->cal, nullptr, this, nullptr);
+    // Nor may they reach a host that listens to them itself: it would act on bookings and a model that
+    // are gone by then.
+    mUi->cal->scene()->blockSignals(true);
+    mUi->cal->blockSignals(true);
     // Docks that hang in the main window are its children by now: they go with the form, or they
     // would stay on show there with nothing behind them.
     reclaimDocks();

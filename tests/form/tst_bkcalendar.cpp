@@ -146,6 +146,7 @@ private slots:
 
     void shouldBuildTheGeneratedLayout();
     void shouldSendNothingWhileItGoes();
+    void shouldLetNoSceneSignalReachTheHostWhileItGoes();
     void shouldStartWithOneDayOfToday();
     void shouldBuildThreeDocksWithTheirFinalNames();
     void shouldHaveNoDocksWithNoDocks();
@@ -285,6 +286,33 @@ void tst_BkCalendar::shouldSendNothingWhileItGoes()
     connect(form, &BkCalendar::dateSelected, &watcher, [&sent] { ++sent; });
     delete form;
     QCOMPARE(sent, 0);
+}
+
+void tst_BkCalendar::shouldLetNoSceneSignalReachTheHostWhileItGoes()
+{
+    // A host that listens to the scene itself and loads a booking whenever the selection changes: the
+    // form's bookings are gone before its view and scene, which deselect as they go, so the scene
+    // tells nobody any more once the form goes.
+    auto* form = new BkCalendar(nullptr, AllShows);
+    BkCalendarModel* model = form->model();
+    BkCalendarColumn* column = form->view()->getColumnList().first();
+    column->setSelected(true);
+    QVERIFY(column->isSelected());
+    int heard = 0;
+    int nextId = 1;
+    QObject watcher;
+    const auto load = [&] {
+        ++heard;
+        addBooking(model, nextId++, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    };
+    connect(form->view()->scene(), &QGraphicsScene::selectionChanged, &watcher, load);
+    connect(form->view()->scene(), &QGraphicsScene::focusItemChanged, &watcher, load);
+    form->view()->scene()->clearSelection();
+    QCOMPARE(heard, 1);
+    column->setSelected(true);
+    QCOMPARE(heard, 2);
+    delete form;
+    QCOMPARE(heard, 2);
 }
 
 void tst_BkCalendar::shouldStartWithOneDayOfToday()
