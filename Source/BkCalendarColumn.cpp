@@ -585,10 +585,16 @@ QVariant BkCalendarColumn::itemChange(QGraphicsItem::GraphicsItemChange change, 
             emit dateSelected(mDate);
             --mTellingDate;
         }
+        // Qt finishes the change, and tells the scene and then this column, only when the answer has
+        // left the column as it was; the scene's signal lets the host in once more.
+        if (isSelected() != value.toBool())
+            ++mChangesUnderway;
     } else if (change == ItemSelectedHasChanged) {
-        // The host's answer may select this column again, inside the change that is telling of it;
-        // Qt still holds the column after that answer.
-        if (mTellingDate == 0)
+        // The host's answer may select this column again, or clear it, inside a change that is still
+        // underway; Qt holds the column until that change is done.
+        if (mChangesUnderway > 0)
+            --mChangesUnderway;
+        if (mChangesUnderway == 0 && mTellingDate == 0)
             mSelectionVisit.reset();
     } else if (change == ItemChildAddedChange || change == ItemChildRemovedChange) {
         auto* child = qvariant_cast<QGraphicsItem*>(value);

@@ -201,9 +201,11 @@ private:
     // Held while Qt changes the column's selection: the column tells the host of its date in the
     // middle of it, and what the host's answer takes away meanwhile is retired, not deleted.
     std::optional<BkCalendarHostVisit> mSelectionVisit;
-    // How deep the column is in telling of its date: a change of its selection that the host makes
-    // meanwhile must not end the visit that the outer change still needs.
+    // How deep the column is in telling of its date, and how many changes of its selection Qt has
+    // yet to finish: a change that the host makes meanwhile must not end the visit that an outer
+    // change still needs.
     int mTellingDate = 0;
+    int mChangesUnderway = 0;
 };
 
 #endif // BKCALENDARCOLUMN_H

@@ -195,6 +195,7 @@ private slots:
     void shouldStopSteppingWhenTheHostLaysTheGroupAnewOnTheCleared();
     void shouldLetTheHostLayTheGroupWhenTheSelectedColumnGoes();
     void shouldLetTheHostGoToTheClickedDayAndLayTheGroup();
+    void shouldLetTheHostClearTheClickedColumnAndLayTheGroup();
     void shouldStepBookingsWithCtrlUpAndDown();
     void shouldAdvanceInTheGroupThatTheHostLaysAnewOnAParkedBooking();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
@@ -1434,6 +1435,39 @@ void tst_BkCalendar::shouldLetTheHostGoToTheClickedDayAndLayTheGroup()
     QTest::mousePress(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
     QTest::mouseRelease(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
     QVERIFY(answered > 0);
+    QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
+    QCOMPARE(form.view()->getColumnList().count(), 1);
+    QCOMPARE(form.view()->getColumnList().first()->resource().id.toInt(), 6);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!form.view()->grab().isNull());
+}
+
+void tst_BkCalendar::shouldLetTheHostClearTheClickedColumnAndLayTheGroup()
+{
+    // A click selects a column of the week, and the host answers the change of selection by clearing
+    // it and building the group, before Qt has told the column that it is selected: the column goes
+    // while the click still holds it, and the host's group stands.
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
+    form.setDate(Monday);
+    form.show5Day();
+    form.resize(900, 600);
+    form.show();
+    BkCalendarColumn* wednesday = form.view()->getColumnList().at(2);
+    QVERIFY(!wednesday->isSelected());
+    int answered = 0;
+    connect(&form, &BkCalendar::selectionChanged, &form, [&] {
+        if (answered || !wednesday->isSelected())
+            return;
+        ++answered;
+        form.view()->scene()->clearSelection();
+        form.showGroup();
+    });
+    const QPoint at = form.view()->mapFromScene(wednesday->mapToScene(wednesday->boundingRect().center()));
+    QTest::mousePress(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QTest::mouseRelease(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QCOMPARE(answered, 1);
     QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
     QCOMPARE(form.view()->getColumnList().count(), 1);
     QCOMPARE(form.view()->getColumnList().first()->resource().id.toInt(), 6);
