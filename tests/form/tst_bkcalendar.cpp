@@ -28,8 +28,12 @@
 #include <QActionGroup>
 #include <QCalendarWidget>
 #include <QDockWidget>
+#include <QGraphicsSceneDragDropEvent>
 #include <QGridLayout>
 #include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -196,6 +200,7 @@ private slots:
     void shouldLetTheHostLayTheGroupWhenTheSelectedColumnGoes();
     void shouldLetTheHostGoToTheClickedDayAndLayTheGroup();
     void shouldLetTheHostClearTheClickedColumnAndLayTheGroup();
+    void shouldLetTheHostSaveAndLayTheGroupWhileADropAsksAboutTheRoom();
     void shouldStepBookingsWithCtrlUpAndDown();
     void shouldAdvanceInTheGroupThatTheHostLaysAnewOnAParkedBooking();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
@@ -1471,6 +1476,76 @@ void tst_BkCalendar::shouldLetTheHostClearTheClickedColumnAndLayTheGroup()
     QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
     QCOMPARE(form.view()->getColumnList().count(), 1);
     QCOMPARE(form.view()->getColumnList().first()->resource().id.toInt(), 6);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!form.view()->grab().isNull());
+}
+
+void tst_BkCalendar::shouldLetTheHostSaveAndLayTheGroupWhileADropAsksAboutTheRoom()
+{
+    // A booking of Anna's is dropped on Thursday at the hour that the room is Ben's. While the
+    // question is open the second of an earlier change runs out, and the host answers the save with
+    // the group: the column that took the drop goes, and the answer Yes still keeps the booking where
+    // it was dropped, to be saved.
+    BkCalendar form(nullptr, AllShows);
+    const BkCalendarResource anna(5, QStringLiteral("Anna"), 0);
+    form.setResource(anna);
+    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
+    for (int day = 0; day < 5; ++day)
+        addPlan(form.model(), Monday.addDays(day), anna);
+    form.setDate(Monday);
+    form.show5Day();
+    form.resize(900, 600);
+    form.show();
+    BkCalendarItem* moved = addBooking(form.model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    moved->setResourceId(1);
+    BkCalendarItem* bens = addBooking(form.model(), 2, Wednesday.addDays(1), 6, QTime(9, 0), QTime(10, 0));
+    bens->setResourceId(1);
+    BkCalendarItem* earlier = addBooking(form.model(), 3, Monday, 5, QTime(13, 0), QTime(14, 0));
+    form.model()->commitToDatabase();
+    earlier->setTime(QTime(14, 0), QTime(15, 0));
+    earlier->commit(false);
+    QList<BkCalendarItem*> saved;
+    int laid = 0;
+    connect(form.model(), &BkCalendarModel::saveItems, &form, [&](const QList<BkCalendarItem*>& items) {
+        saved << items;
+        if (laid++ == 0)
+            form.showGroup();
+    });
+    // Answered once the earlier change has had its second.
+    bool asked = false;
+    QTimer::singleShot(1500, &form, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        asked = true;
+        box->button(QMessageBox::Yes)->click();
+    });
+    BkCalendarColumn* thursday = form.view()->getColumnList().at(3);
+    const QPointF at = thursday->mapToScene(form.view()->timeScale()->pointAt(10.0, QTime(9, 0)));
+    QMimeData data;
+    data.setData(QStringLiteral("text/calitem"), QByteArray("1"));
+    QGraphicsScene* scene = form.view()->scene();
+    for (QEvent::Type type :
+         {QEvent::GraphicsSceneDragEnter, QEvent::GraphicsSceneDragMove, QEvent::GraphicsSceneDrop}) {
+        QGraphicsSceneDragDropEvent event(type);
+        event.setScenePos(at);
+        event.setScreenPos(form.view()->viewport()->mapToGlobal(form.view()->mapFromScene(at)));
+        event.setButtons(Qt::LeftButton);
+        event.setPossibleActions(Qt::MoveAction);
+        event.setProposedAction(Qt::MoveAction);
+        event.setDropAction(Qt::MoveAction);
+        event.setMimeData(&data);
+        event.setWidget(form.view()->viewport());
+        QApplication::sendEvent(scene, &event);
+    }
+    QVERIFY(asked);
+    QCOMPARE(laid, 1);
+    QVERIFY(saved.contains(earlier));
+    QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
+    QCOMPARE(moved->date(), Wednesday.addDays(1));
+    QCOMPARE(moved->start(), QTime(9, 0));
+    // Handed over with the earlier change, or waiting for the next save.
+    QVERIFY(saved.contains(moved) || form.model()->isInvalid(moved));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!form.view()->grab().isNull());
 }

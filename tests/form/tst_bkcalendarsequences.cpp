@@ -15,9 +15,16 @@
 #include <BkCalendarModel.h>
 #include <BkCalendarTimeScale.h>
 #include <BkCalendarView.h>
+#include <FwEnums.h>
+#include <FwTreeWidget.h>
+#include <FwTreeWidgetItem.h>
+
+#include <QCalendarWidget>
+#include <QPointer>
 
 #include <QGraphicsItem>
 #include <QRandomGenerator>
+#include <QScopedValueRollback>
 #include <QSet>
 #include <QtTest>
 
@@ -148,6 +155,256 @@ BkCalendarItem* dragSomeBooking(BkCalendar& form, QRandomGenerator& random)
     return item;
 }
 
+// A host that answers the calendar's signals with anything its slots may do: another date, days or
+// group, the view built anew, bookings loaded, removed and deleted, or reloaded, and the form closed
+// with deleteLater. It keeps its own copy of what it saved, so that a booking that the user moved and
+// that is neither on the unsaved list nor as it was last saved shows as lost.
+class HostileHost : public QObject
+{
+public:
+    struct Row
+    {
+        QDate date;
+        QVariant userId;
+        QVariant resourceId;
+        QTime start;
+        QTime end;
+        bool operator==(const Row& other) const
+        {
+            return date == other.date && userId == other.userId && resourceId == other.resourceId &&
+                   start == other.start && end == other.end;
+        }
+    };
+
+    HostileHost(BkCalendar* form, quint32 seed, int rate)
+        : mForm(form)
+        , mModel(form->model())
+        , mRandom(seed)
+        , mRate(rate)
+    {
+        BkCalendarModel* model = mModel;
+        connect(model, &BkCalendarModel::itemAdded, this,
+                [this](BkCalendarItem* item) { hear("itemAdded", item); });
+        // A booking that is told of a change while off the unsaved list has been taken back: it stands
+        // as its rollback values say, which the host takes for what it has.
+        connect(model, &BkCalendarModel::itemChanged, this, [this](BkCalendarItem* item) {
+            if (item && item->model == mModel && !mModel->isInvalid(item))
+                write(item);
+        });
+        connect(model, &BkCalendarModel::itemChanged, this,
+                [this](BkCalendarItem* item) { hear("itemChanged", item); });
+        connect(model, &BkCalendarModel::itemRemoved, this, [this](BkCalendarItem*) { hear("itemRemoved"); });
+        connect(model, &BkCalendarModel::planAdded, this, [this](BkCalendarPlan*) { hear("planAdded"); });
+        connect(model, &BkCalendarModel::reset, this, [this]() { hear("reset"); });
+        connect(model, &BkCalendarModel::loadData, this,
+                [this](const QDate& from, const QDate& to, const BkCalendarResource& who) {
+                    load(from, to, who);
+                    hear("model loadData");
+                });
+        connect(model, &BkCalendarModel::saveItems, this, [this](const QList<BkCalendarItem*>& items) {
+            for (BkCalendarItem* item : items)
+                write(item);
+            hear("model saveItems");
+        });
+        connect(form, &BkCalendar::itemActivated, this,
+                [this](BkCalendarItem* item) { hear("itemActivated", item); });
+        connect(form, &BkCalendar::planActivated, this, [this]() { hear("planActivated"); });
+        connect(form, &BkCalendar::itemContextMenu, this,
+                [this](QPoint, BkCalendarItem* item) { hear("itemContextMenu", item); });
+        connect(form, &BkCalendar::planContextMenu, this, [this]() { hear("planContextMenu"); });
+        connect(form, &BkCalendar::saveItems, this, [this]() { hear("saveItems"); });
+        connect(form, &BkCalendar::loadData, this, [this]() { hear("loadData"); });
+        connect(form, &BkCalendar::dateSelected, this, [this]() { hear("dateSelected"); });
+        connect(form, &BkCalendar::dateChanged, this, [this]() { hear("dateChanged"); });
+        connect(form, &BkCalendar::resourceSelected, this, [this]() { hear("resourceSelected"); });
+        connect(form, &BkCalendar::hideResourceInfo, this, [this]() { hear("hideResourceInfo"); });
+        connect(form, &BkCalendar::showResourceInfo, this, [this]() { hear("showResourceInfo"); });
+        connect(form, &BkCalendar::selectionChanged, this, [this]() { hear("selectionChanged"); });
+        BkCalendarView* view = form->view();
+        connect(view, QOverload<int>::of(&BkCalendarView::sizeChanged), this,
+                [this]() { hear("sizeChanged"); });
+        connect(view, QOverload<int, int>::of(&BkCalendarView::sizeChanged), this,
+                [this]() { hear("sizeChanged2"); });
+        connect(view, &BkCalendarView::dateSelected, this, [this]() { hear("view dateSelected"); });
+        connect(view, &BkCalendarView::resourceSelected, this, [this]() { hear("view resourceSelected"); });
+        connect(view->scene(), &QGraphicsScene::selectionChanged, this,
+                [this]() { hear("scene selectionChanged"); });
+        connect(view->scene(), &QGraphicsScene::focusItemChanged, this,
+                [this]() { hear("scene focusItemChanged"); });
+    }
+
+    int nextId = 1;
+    QStringList acts;
+    // While the test looks, the host only loads.
+    bool quiet = false;
+
+    BkCalendarItem* newBooking(const QDate& date, const BkCalendarResource& who, const QTime& start)
+    {
+        auto* item = new BkCalendarItem;
+        item->id = nextId++;
+        item->setType(mRandom.bounded(2) ? BkCalendarItem::Meeting : BkCalendarItem::ItemType(0));
+        item->setTitle(QStringLiteral("Booking %1").arg(item->id.toInt()));
+        item->setDate(date);
+        if (who.type == 0)
+            item->setUserId(who.id);
+        else
+            item->setResourceId(who.id);
+        if (mRandom.bounded(3) == 0)
+            item->setResourceId(mRandom.bounded(2) ? 1 : 3);
+        item->setTime(start, start.addSecs(60 * (15 + 15 * mRandom.bounded(6))));
+        return item;
+    }
+
+    void add(BkCalendarItem* item)
+    {
+        const Row row = rowOf(item);
+        const int id = item->id.toInt();
+        if (mModel->addItem(item))
+            mSaved.insert(id, row);
+        else
+            delete item;
+    }
+
+    // What the host's database holds for a booking, the last it wrote or loaded.
+    QHash<int, Row> mSaved;
+
+    static Row rowOf(const BkCalendarItem* item)
+    {
+        return Row{item->date(), item->userId(), item->resourceId(), item->start(), item->end()};
+    }
+
+    void write(BkCalendarItem* item)
+    {
+        if (item && mSaved.contains(item->id.toInt()))
+            mSaved.insert(item->id.toInt(), rowOf(item));
+    }
+
+    // Every booking of the model is either unsaved or as the host saved it.
+    bool nothingLost(QString* what) const
+    {
+        for (BkCalendarItem* item : mModel->allItems()) {
+            if (!item || mModel->isInvalid(item))
+                continue;
+            const auto saved = mSaved.constFind(item->id.toInt());
+            if (saved == mSaved.constEnd())
+                continue;
+            if (!(*saved == rowOf(item))) {
+                *what = QStringLiteral("booking %1 changed, neither saved nor unsaved").arg(item->id.toInt());
+                return false;
+            }
+        }
+        return true;
+    }
+
+    QDate someDay() { return QDate(2026, 11, 25).addDays(mRandom.bounded(-3, 4)); }
+    QTime someTime() { return QTime(7, 0).addSecs(15 * 60 * mRandom.bounded(40)); }
+
+private:
+    void load(const QDate& from, const QDate& to, const BkCalendarResource& who)
+    {
+        if (mRandom.bounded(2))
+            return;
+        const QDate day = someDay();
+        add(newBooking(day < from || day > to ? from : day, who, someTime()));
+    }
+
+    void hear(const char* signal, BkCalendarItem* item = nullptr)
+    {
+        if (quiet || mDepth > 1 || !mForm || mRandom.bounded(mRate) != 0)
+            return;
+        ++mDepth;
+        act(signal, item);
+        --mDepth;
+    }
+
+    void act(const char* signal, BkCalendarItem* item)
+    {
+        BkCalendar* form = mForm;
+        int what = mRandom.bounded(20);
+        // A booking that is being added is not taken away in the answer that tells of it: the model's
+        // other listeners have yet to hear of it.
+        if (qstrcmp(signal, "itemAdded") == 0 && what >= 12 && what <= 17)
+            what = 10;
+        // A change of a booking comes in the middle of the user's gesture on its box, which goes on
+        // after the answer: the grid is not built anew there, but bookings may come and go.
+        const bool bookingNews = mInBookingNews || qstrcmp(signal, "itemAdded") == 0 ||
+                                 qstrcmp(signal, "itemChanged") == 0 || qstrcmp(signal, "itemRemoved") == 0;
+        if (bookingNews && (what < 10 || what == 18))
+            what = 10 + mRandom.bounded(8);
+        const QScopedValueRollback<bool> news(mInBookingNews, bookingNews);
+        if (qstrcmp(signal, "itemAdded") == 0 && what >= 12 && what <= 17)
+            what = 10;
+        acts << QStringLiteral("%1:%2").arg(QLatin1String(signal)).arg(what);
+        switch (what) {
+        case 0:
+        case 1:
+            form->setDate(someDay());
+            break;
+        case 2:
+        case 3:
+            form->showGroup();
+            break;
+        case 4:
+        case 5:
+            form->show5Day();
+            break;
+        case 6:
+        case 7: {
+            QList<BkCalendarResource> group = people();
+            std::shuffle(group.begin(), group.end(), mRandom);
+            form->setResourceList(group.mid(0, 1 + mRandom.bounded(group.size())));
+            break;
+        }
+        case 8:
+        case 9:
+            form->view()->updateWidgets();
+            break;
+        case 10:
+        case 11:
+            add(newBooking(someDay(), people().at(mRandom.bounded(people().size())), someTime()));
+            break;
+        case 12:
+        case 13:
+        case 14:
+        case 15: {
+            // The booking the signal names, if it has one in the model, else any.
+            BkCalendarItem* gone = item && item->model == mModel ? item : nullptr;
+            if (!gone) {
+                const QList<BkCalendarItem*> all = mModel->allItems();
+                if (all.isEmpty())
+                    break;
+                gone = all.at(mRandom.bounded(all.size()));
+            }
+            mSaved.remove(gone->id.toInt());
+            mModel->removeItem(gone);
+            delete gone;
+            break;
+        }
+        case 16:
+        case 17:
+            // A reload: what is unsaved is saved first.
+            mModel->commitToDatabase();
+            mSaved.clear();
+            mModel->clear();
+            break;
+        case 18:
+            form->showMonth();
+            break;
+        case 19:
+            if (mRandom.bounded(4) == 0)
+                form->deleteLater();
+            break;
+        }
+    }
+
+    QPointer<BkCalendar> mForm;
+    BkCalendarModel* mModel;
+    QRandomGenerator mRandom;
+    int mRate;
+    int mDepth = 0;
+    bool mInBookingNews = false;
+};
+
 } // namespace
 
 class tst_BkCalendarSequences : public QObject
@@ -160,6 +417,8 @@ private slots:
 
     void shouldKeepBoxesAndBookingsInStepThroughoutASequence_data();
     void shouldKeepBoxesAndBookingsInStepThroughoutASequence();
+    void shouldSurviveAHostThatAnswersEverySignalWithAnything_data();
+    void shouldSurviveAHostThatAnswersEverySignalWithAnything();
 };
 
 void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequence_data()
@@ -401,6 +660,267 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     delete form;
     qDeleteAll(removed);
+}
+
+void tst_BkCalendarSequences::shouldSurviveAHostThatAnswersEverySignalWithAnything_data()
+{
+    QTest::addColumn<quint32>("seed");
+    // BK_HOSTILE_SEEDS="first-last" runs others, for a longer search by hand.
+    quint32 first = 1;
+    quint32 last = 8;
+    const QList<QByteArray> range = qgetenv("BK_HOSTILE_SEEDS").split('-');
+    if (range.size() == 2 && range.at(0).toUInt() <= range.at(1).toUInt() && range.at(1).toUInt() > 0) {
+        first = range.at(0).toUInt();
+        last = range.at(1).toUInt();
+    }
+    for (quint64 seed = first; seed <= last; ++seed)
+        QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << quint32(seed);
+}
+
+void tst_BkCalendarSequences::shouldSurviveAHostThatAnswersEverySignalWithAnything()
+{
+    QFETCH(quint32, seed);
+    QRandomGenerator random(seed);
+    const int noDocks = seed % 2 ? 0 : int(BkCalendar::NoDocks);
+    QPointer<BkCalendar> form(new BkCalendar(nullptr, noDocks | BkCalendar::Show1Day | BkCalendar::Show5Day |
+                                                          BkCalendar::Show7Day | BkCalendar::ShowGroup));
+    form->resize(900, 600);
+    form->show();
+    BkCalendarModel* model = form->model();
+    for (int day = -12; day <= 12; ++day) {
+        for (const BkCalendarResource& who : people()) {
+            auto* plan = new BkCalendarPlan;
+            plan->date = Wednesday.addDays(day);
+            plan->resource = who;
+            plan->start = QTime(7, 0);
+            plan->end = QTime(19, 0);
+            plan->bookable = true;
+            model->addItem(plan);
+        }
+    }
+    form->setResource(people().at(0));
+    form->setResourceList(people());
+    form->setDate(Wednesday);
+    // Every few signals the host does something: more often in the first sequences.
+    HostileHost host(form, seed * 104729u, 3 + int(seed % 4));
+    for (int n = 0; n < 6; ++n)
+        host.add(host.newBooking(host.someDay(), people().at(n % 4), host.someTime()));
+
+    const int steps = qEnvironmentVariableIntValue("BK_HOSTILE_STEPS") > 0
+                          ? qEnvironmentVariableIntValue("BK_HOSTILE_STEPS")
+                          : 120;
+    QSet<BkCalendarItem*> dragged;
+    auto someBox = [&]() -> BkCalendarItemWidget* {
+        QList<BkCalendarItemWidget*> boxes;
+        for (QGraphicsItem* item : form->view()->scene()->items())
+            if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(item))
+                if (box->item() && box->isVisible())
+                    boxes << box;
+        return boxes.isEmpty() ? nullptr : boxes.at(random.bounded(boxes.size()));
+    };
+    auto someColumn = [&]() -> BkCalendarColumn* {
+        const QList<BkCalendarColumn*> columns = form->view()->getColumnList();
+        return columns.isEmpty() ? nullptr : columns.at(random.bounded(columns.size()));
+    };
+    auto viewPoint = [&](const QPointF& scenePos) { return form->view()->mapFromScene(scenePos); };
+    auto mouse = [&](QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,
+                     Qt::MouseButtons buttons) {
+        BkCalendarView* view = form->view();
+        const QPoint local = viewPoint(scenePos);
+        QMouseEvent event(type, local, view->viewport()->mapToGlobal(local), button, buttons, Qt::NoModifier);
+        QApplication::sendEvent(view->viewport(), &event);
+    };
+    int step = 0;
+    int what = -1;
+    for (; step < steps && form; ++step) {
+        what = random.bounded(21);
+        BkTest::QuestionAnswerer answerer(random.bounded(2) ? QMessageBox::Yes : QMessageBox::No);
+        switch (what) {
+        case 0:
+            form->show1Day();
+            break;
+        case 1:
+            form->show5Day();
+            break;
+        case 2:
+            form->show7Day();
+            break;
+        case 3:
+            form->showGroup();
+            break;
+        case 4:
+            form->setDate(host.someDay());
+            break;
+        case 5: {
+            QList<BkCalendarResource> group = people();
+            std::shuffle(group.begin(), group.end(), random);
+            form->setResourceList(group.mid(0, 1 + random.bounded(group.size())));
+            form->showGroup();
+            break;
+        }
+        case 6:
+            form->showMonth();
+            break;
+        case 7:
+            host.add(host.newBooking(host.someDay(), people().at(random.bounded(4)), host.someTime()));
+            break;
+        case 8:
+            // The user moves a box up or down with the mouse.
+            if (BkCalendarItemWidget* box = someBox()) {
+                QPointF at = box->sceneBoundingRect().center();
+                mouse(QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
+                for (int moves = 1 + random.bounded(3); moves > 0 && form; --moves) {
+                    at.ry() += 7.5 * random.bounded(-8, 9);
+                    mouse(QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
+                }
+                if (form)
+                    mouse(QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
+            }
+            break;
+        case 9:
+            if (BkCalendarItem* item = dragSomeBooking(*form, random))
+                dragged.insert(item);
+            break;
+        case 10:
+        case 11: {
+            static const Qt::Key keys[] = {Qt::Key_Left,   Qt::Key_Right,    Qt::Key_Up, Qt::Key_Down,
+                                           Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_X,  Qt::Key_V};
+            QTest::keyClick(form, keys[random.bounded(8)], Qt::ControlModifier);
+            break;
+        }
+        case 12:
+            if (BkCalendarItemWidget* box = someBox()) {
+                const QPoint at = viewPoint(box->sceneBoundingRect().center());
+                QTest::mouseDClick(form->view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+            }
+            break;
+        case 13:
+            if (BkCalendarItemWidget* box = someBox()) {
+                const QPoint at = viewPoint(box->sceneBoundingRect().center());
+                QContextMenuEvent event(QContextMenuEvent::Mouse, at,
+                                        form->view()->viewport()->mapToGlobal(at));
+                QApplication::sendEvent(form->view()->viewport(), &event);
+            }
+            break;
+        case 14:
+        case 15:
+            // A double-click or a right-click on a column's schedule.
+            if (BkCalendarColumn* column = someColumn()) {
+                const QPointF at =
+                    column->mapToScene(form->view()->timeScale()->pointAt(5.0, host.someTime()));
+                if (what == 14) {
+                    QTest::mouseDClick(form->view()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                                       viewPoint(at));
+                } else {
+                    mouse(QEvent::MouseButtonPress, at, Qt::RightButton, Qt::RightButton);
+                    if (form)
+                        mouse(QEvent::MouseButtonRelease, at, Qt::RightButton, Qt::NoButton);
+                }
+            }
+            break;
+        case 16:
+            if (QCalendarWidget* picker = form->datePicker())
+                emit picker->clicked(host.someDay());
+            break;
+        case 17:
+            // A booking dragged into the move list.
+            if (FwTreeWidget* tree = form->moveList()) {
+                const QList<BkCalendarItem*> all = model->allItems();
+                if (all.isEmpty())
+                    break;
+                QMimeData data;
+                data.setData(QStringLiteral("text/calitem"),
+                             all.at(random.bounded(all.size()))->id.toString().toLatin1());
+                QDropEvent event(QPointF(5, 5), Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+                emit tree->dataDropped(&event);
+            }
+            break;
+        case 18:
+            // A row of the move list dragged onto a column.
+            if (FwTreeWidget* tree = form->moveList()) {
+                if (tree->topLevelItemCount() == 0)
+                    break;
+                FwTreeWidgetItem* row = tree->topLevelItem(random.bounded(tree->topLevelItemCount()));
+                QMimeData data;
+                data.setData(QStringLiteral("application/x-fwtreewidget"),
+                             BkTest::treePayload(row->data(0, IdRole).toInt(), qint64(quintptr(row))));
+                BkCalendarColumn* column = someColumn();
+                if (!column)
+                    break;
+                const QPointF at =
+                    column->mapToScene(form->view()->timeScale()->pointAt(8.0, host.someTime()));
+                QWidget* viewport = form->view()->viewport();
+                BkTest::sendDrag(form->view()->scene(), QEvent::GraphicsSceneDragEnter, at, &data, viewport);
+                if (form)
+                    BkTest::sendDrag(form->view()->scene(), QEvent::GraphicsSceneDragMove, at, &data,
+                                     viewport);
+                if (form && random.bounded(3))
+                    BkTest::sendDrag(form->view()->scene(), QEvent::GraphicsSceneDrop, at, &data, viewport);
+            }
+            break;
+        case 19:
+            if (random.bounded(3))
+                model->commitToDatabase();
+            else {
+                // The rollback tells every other booking only: all of them stand as taken back.
+                model->rollback();
+                for (BkCalendarItem* item : model->allItems())
+                    host.write(item);
+            }
+            break;
+        default:
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            if (form)
+                QVERIFY(!form->view()->grab().isNull());
+            break;
+        }
+        if (!form)
+            break;
+        host.quiet = true;
+        checkBoxes(*form, dragged);
+        // A booking shows in a column at most once.
+        for (BkCalendarColumn* column : form->view()->getColumnList()) {
+            QSet<BkCalendarItem*> shown;
+            for (QGraphicsItem* child : column->childItems()) {
+                auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
+                if (!box || !box->item() || !box->isVisible())
+                    continue;
+                QVERIFY2(!shown.contains(box->item()), "a booking shows twice in one column");
+                shown.insert(box->item());
+            }
+        }
+        // The job list shows a booking at most once, and every booking of its day and key.
+        if (BkCalendarList* list = form->jobList()) {
+            QSet<qulonglong> live;
+            for (BkCalendarItem* item : model->allItems())
+                live << qulonglong(quintptr(item));
+            QSet<qulonglong> rows;
+            for (int i = 0; i < list->count(); ++i) {
+                const qulonglong key = list->item(i)->data(BkCalendarList::ItemRole).toULongLong();
+                if (!live.contains(key))
+                    continue;
+                QVERIFY2(!rows.contains(key), "a booking shows twice in the job list");
+                rows << key;
+            }
+        }
+        QString lost;
+        if (!host.nothingLost(&lost))
+            QFAIL(qPrintable(QStringLiteral("%1 after step %2 (%3), host acts %4")
+                                 .arg(lost)
+                                 .arg(step)
+                                 .arg(what)
+                                 .arg(host.acts.mid(qMax(0, host.acts.size() - 6)).join(QLatin1Char(' ')))));
+        host.quiet = false;
+        if (QTest::currentTestFailed())
+            break;
+    }
+    if (QTest::currentTestFailed())
+        QFAIL(qPrintable(QStringLiteral("after step %1 (%2), host acts %3")
+                             .arg(step)
+                             .arg(what)
+                             .arg(host.acts.mid(qMax(0, host.acts.size() - 6)).join(QLatin1Char(' ')))));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    delete form.data();
 }
 
 FW_TEST_MAIN(tst_BkCalendarSequences)
