@@ -513,6 +513,8 @@ void BkCalendarView::setWidthType(WidthType type)
     mWidthType = type;
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    // A column that takes its width may ask for its day, and the host's answer may build other
+    // columns: those stand as built, and the step ends.
     bool kept = true;
     if (type == WidthFixed) {
         kept = forEachColumn(mColumns, [this](BkCalendarColumn* column) {

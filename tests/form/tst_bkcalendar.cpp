@@ -201,6 +201,7 @@ private slots:
     void shouldLetTheHostGoToTheClickedDayAndLayTheGroup();
     void shouldLetTheHostClearTheClickedColumnAndLayTheGroup();
     void shouldLetTheHostSaveAndLayTheGroupWhileADropAsksAboutTheRoom();
+    void shouldLetTheHostLayTheGroupWhileTheWidthsAreSet();
     void shouldStepBookingsWithCtrlUpAndDown();
     void shouldAdvanceInTheGroupThatTheHostLaysAnewOnAParkedBooking();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
@@ -1546,6 +1547,40 @@ void tst_BkCalendar::shouldLetTheHostSaveAndLayTheGroupWhileADropAsksAboutTheRoo
     QCOMPARE(moved->start(), QTime(9, 0));
     // Handed over with the earlier change, or waiting for the next save.
     QVERIFY(saved.contains(moved) || form.model()->isInvalid(moved));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!form.view()->grab().isNull());
+}
+
+void tst_BkCalendar::shouldLetTheHostLayTheGroupWhileTheWidthsAreSet()
+{
+    // The host has reloaded, so the days on show are loaded no more. Going to one day sets the widths
+    // of those columns first, and the first of them asks for its day: the host answers with a booking
+    // and its group of thirty. The widths are not set on the columns that went, and the one day
+    // follows.
+    BkCalendar form(nullptr, AllShows);
+    const BkCalendarResource anna(5, QStringLiteral("Anna"), 0);
+    form.setResource(anna);
+    QList<BkCalendarResource> group;
+    for (int id = 10; id < 40; ++id)
+        group << BkCalendarResource(id, QStringLiteral("Person %1").arg(id), 0);
+    form.setResourceList(group);
+    form.setDate(Wednesday);
+    form.show5Day();
+    QCOMPARE(form.view()->getColumnList().count(), 5);
+    form.model()->clear();
+    int answered = 0;
+    connect(form.model(), &BkCalendarModel::loadData, &form,
+            [&](const QDate& from, const QDate&, const BkCalendarResource& who) {
+                if (answered++)
+                    return;
+                addBooking(form.model(), 1, from.addDays(8), who.id, QTime(9, 0), QTime(10, 0));
+                form.showGroup();
+            });
+    form.show1Day();
+    QVERIFY(answered > 0);
+    QCOMPARE(form.view()->getColumnList().count(), 1);
+    QCOMPARE(form.view()->getColumnList().first()->resource().id.toInt(), 5);
+    QCOMPARE(form.view()->getColumnList().first()->date(), Wednesday);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!form.view()->grab().isNull());
 }
