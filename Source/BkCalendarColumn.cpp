@@ -537,6 +537,9 @@ void BkCalendarColumn::updateChildren()
     // alone and every box here is new, so one run over the finished set gives the same boxes.
     if (mRetired)
         return;
+    // A selected box that goes tells the host, and so may the read below: an answer that has this
+    // column updated meanwhile has made the boxes itself, and this update ends there.
+    const quint32 update = ++mChildUpdates;
     mHoldLayout = true;
     const QList<QGraphicsItem*> children = childItems();
     for (int i = children.size() - 1; i >= 0; --i) {
@@ -546,12 +549,16 @@ void BkCalendarColumn::updateChildren()
         if (BkCalendarHostVisit::active())
             BkCalendarItemWidget::retire(child);
         BkCalendarHostVisit::remove(child);
+        if (mChildUpdates != update || mRetired) {
+            mHoldLayout = false;
+            return;
+        }
     }
     if (mModel && showsSomething()) {
         // Asked even when the boxes wait: asking is what makes the model request a day it lacks.
         const QList<BkCalendarItem*> items = mModel->items(mDate, mResource);
         // Boxes made now would take the bookings from those of the host's answer.
-        if (mRetired) {
+        if (mRetired || mChildUpdates != update) {
             mHoldLayout = false;
             return;
         }

@@ -206,6 +206,8 @@ private:
     // change still needs.
     int mTellingDate = 0;
     int mChangesUnderway = 0;
+    // Counts the updates of the boxes, so that one can tell that another ran inside it.
+    quint32 mChildUpdates = 0;
 };
 
 #endif // BKCALENDARCOLUMN_H

@@ -202,6 +202,7 @@ private slots:
     void shouldLetTheHostClearTheClickedColumnAndLayTheGroup();
     void shouldLetTheHostSaveAndLayTheGroupWhileADropAsksAboutTheRoom();
     void shouldLetTheHostLayTheGroupWhileTheWidthsAreSet();
+    void shouldGiveEachBookingOneBoxWhenTheHostUpdatesAsTheSelectedBoxGoes();
     void shouldStepBookingsWithCtrlUpAndDown();
     void shouldAdvanceInTheGroupThatTheHostLaysAnewOnAParkedBooking();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
@@ -1582,6 +1583,40 @@ void tst_BkCalendar::shouldLetTheHostLayTheGroupWhileTheWidthsAreSet()
     QCOMPARE(form.view()->getColumnList().first()->resource().id.toInt(), 5);
     QCOMPARE(form.view()->getColumnList().first()->date(), Wednesday);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!form.view()->grab().isNull());
+}
+
+void tst_BkCalendar::shouldGiveEachBookingOneBoxWhenTheHostUpdatesAsTheSelectedBoxGoes()
+{
+    // The month is asked for while a booking is selected: the column makes its boxes anew, the
+    // selected box goes first, and the host that hears the selection go has the columns updated in
+    // its answer. Each booking keeps one box.
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.setDate(Wednesday);
+    form.show1Day();
+    addBooking(form.model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    addBooking(form.model(), 2, Wednesday, 5, QTime(11, 0), QTime(12, 0));
+    BkCalendarItem* last = addBooking(form.model(), 3, Wednesday, 5, QTime(13, 0), QTime(14, 0));
+    QVERIFY(last->widget);
+    form.view()->scene()->clearSelection();
+    last->widget->setSelected(true);
+    int answered = 0;
+    connect(&form, &BkCalendar::selectionChanged, &form, [&] {
+        if (answered++ == 0)
+            form.view()->updateWidgets();
+    });
+    form.showMonth();
+    QCOMPARE(answered, 1);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    BkCalendarColumn* column = form.view()->getColumnList().first();
+    QList<int> shown;
+    for (QGraphicsItem* child : column->childItems())
+        if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
+            if (box->item() && box->isVisible())
+                shown << box->item()->id.toInt();
+    std::sort(shown.begin(), shown.end());
+    QCOMPARE(shown, QList<int>({1, 2, 3}));
     QVERIFY(!form.view()->grab().isNull());
 }
 
