@@ -541,17 +541,25 @@ void BkCalendarColumn::updateChildren()
     // column updated meanwhile has made the boxes itself, and this update ends there.
     const quint32 update = ++mChildUpdates;
     mHoldLayout = true;
-    const QList<QGraphicsItem*> children = childItems();
-    for (int i = children.size() - 1; i >= 0; --i) {
-        QGraphicsItem* child = children.at(i);
-        if (child->data(ItemKindRole).toInt() != ItemKindItemWidget)
-            continue;
+    {
+        // While the host is let in, the boxes go retired. A selected one loses its selection as it
+        // is hidden, which ends the visit of a change of its selection underway; the host hears it
+        // leave the scene after that, and its answer must still find this column whole.
+        std::optional<BkCalendarHostVisit> visit;
         if (BkCalendarHostVisit::active())
-            BkCalendarItemWidget::retire(child);
-        BkCalendarHostVisit::remove(child);
-        if (mChildUpdates != update || mRetired) {
-            mHoldLayout = false;
-            return;
+            visit.emplace();
+        const QList<QGraphicsItem*> children = childItems();
+        for (int i = children.size() - 1; i >= 0; --i) {
+            QGraphicsItem* child = children.at(i);
+            if (child->data(ItemKindRole).toInt() != ItemKindItemWidget)
+                continue;
+            if (visit)
+                BkCalendarItemWidget::retire(child);
+            BkCalendarHostVisit::remove(child);
+            if (mChildUpdates != update || mRetired) {
+                mHoldLayout = false;
+                return;
+            }
         }
     }
     if (mModel && showsSomething()) {

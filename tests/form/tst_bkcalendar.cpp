@@ -203,6 +203,7 @@ private slots:
     void shouldLetTheHostSaveAndLayTheGroupWhileADropAsksAboutTheRoom();
     void shouldLetTheHostLayTheGroupWhileTheWidthsAreSet();
     void shouldGiveEachBookingOneBoxWhenTheHostUpdatesAsTheSelectedBoxGoes();
+    void shouldLetTheHostLayTheGroupAsTheClickedBoxGoes();
     void shouldStepBookingsWithCtrlUpAndDown();
     void shouldAdvanceInTheGroupThatTheHostLaysAnewOnAParkedBooking();
     void shouldLeaveKeysWithoutCtrlToTheBase_data();
@@ -1617,6 +1618,42 @@ void tst_BkCalendar::shouldGiveEachBookingOneBoxWhenTheHostUpdatesAsTheSelectedB
                 shown << box->item()->id.toInt();
     std::sort(shown.begin(), shown.end());
     QCOMPARE(shown, QList<int>({1, 2, 3}));
+    QVERIFY(!form.view()->grab().isNull());
+}
+
+void tst_BkCalendar::shouldLetTheHostLayTheGroupAsTheClickedBoxGoes()
+{
+    // A click selects a booking. The host answers the change of selection by having the columns
+    // updated; the clicked box goes in that update, losing its selection as it is hidden and then
+    // leaving the scene, and the host answers the second of those with the group: the column goes in
+    // the middle of its update, and the group stands.
+    BkCalendar form(nullptr, AllShows);
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
+    form.setDate(Wednesday);
+    form.show1Day();
+    form.resize(900, 600);
+    form.show();
+    BkCalendarItem* clicked = addBooking(form.model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    addBooking(form.model(), 2, Wednesday, 5, QTime(11, 0), QTime(12, 0));
+    QVERIFY(clicked->widget);
+    form.view()->scene()->clearSelection();
+    int answered = 0;
+    connect(&form, &BkCalendar::selectionChanged, &form, [&] {
+        ++answered;
+        if (answered == 1)
+            form.view()->updateWidgets();
+        else if (answered == 3)
+            form.showGroup();
+    });
+    const QPoint at = form.view()->mapFromScene(clicked->widget->sceneBoundingRect().center());
+    QTest::mousePress(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QTest::mouseRelease(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QVERIFY(answered >= 3);
+    QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
+    QCOMPARE(form.view()->getColumnList().count(), 1);
+    QCOMPARE(form.view()->getColumnList().first()->resource().id.toInt(), 6);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!form.view()->grab().isNull());
 }
 
