@@ -7,6 +7,7 @@
 #include "BkCalendarItemWidget.h"
 #include "BkCalendarList.h"
 #include "BkCalendarModel.h"
+#include "BkCalendarNestedLoop.h"
 #include "BkCalendarScene.h"
 #include "BkCalendarView.h"
 #include "ui_BkCalendar.h"
@@ -38,7 +39,27 @@
 
 namespace {
 const char CalItemFormat[] = "text/calitem";
-}
+
+// Holds the form's deferred deletion back while a loop nested in the calendar's handling of an event
+// runs (see BkCalendarNestedLoop).
+class DeletionHold : public QObject
+{
+public:
+    explicit DeletionHold(QObject* parent)
+        : QObject(parent)
+    {
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() != QEvent::DeferredDelete || !BkCalendarNestedLoop::running())
+            return false;
+        BkCalendarNestedLoop::deleteAfterwards(watched);
+        return true;
+    }
+};
+} // namespace
 
 BkCalendar::BkCalendar(QWidget* parent, int flags)
     : FwForm(parent)
@@ -46,6 +67,7 @@ BkCalendar::BkCalendar(QWidget* parent, int flags)
     , mUi(new Ui::BkCalendar)
 {
     mUi->setupUi(this);
+    installEventFilter(new DeletionHold(this));
 
     mDatePicker = nullptr;
     mShowType = Show1Day;
@@ -455,7 +477,11 @@ void BkCalendar::jumpTo()
     // its child, with it.
     const QPointer<BkCalendar> self(this);
     const QPointer<FwDatePicker> picker(new FwDatePicker(this, Qt::WindowFlags()));
-    const int result = picker->exec();
+    int result = 0;
+    {
+        const BkCalendarNestedLoop loop;
+        result = picker->exec();
+    }
     if (!self)
         return;
     if (result == 1 && picker) {
@@ -743,5 +769,6 @@ void BkCalendar::moveListDragStarted(QString format, QPoint pos)
     auto* data = new QMimeData;
     data->setData(format, bytes);
     drag->setMimeData(data);
+    const BkCalendarNestedLoop loop;
     drag->exec(Qt::MoveAction);
 }

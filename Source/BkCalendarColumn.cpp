@@ -6,6 +6,7 @@
 #include "BkCalendarItem.h"
 #include "BkCalendarItemWidget.h"
 #include "BkCalendarModel.h"
+#include "BkCalendarNestedLoop.h"
 #include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
 #include "BkMinutes.h"
@@ -1184,6 +1185,7 @@ void BkCalendarColumn::setMinWidth(int width)
 
 void BkCalendarColumn::emitHeaderActivated()
 {
+    const BkCalendarNestedLoop loop;
     emit headerActivated(this, mResource);
 }
 
@@ -1192,8 +1194,10 @@ void BkCalendarColumn::contextMenuEvent(QGraphicsSceneContextMenuEvent* event)
     if (mScale) {
         const QTime time = mScale->timeAt(event->pos().y());
         BkCalendarPlan* plan = planAt(time, QTime());
-        if (plan && plan->bookable)
+        if (plan && plan->bookable) {
+            const BkCalendarNestedLoop loop;
             emit planContextMenu(event->screenPos(), plan, time);
+        }
     }
     event->accept();
 }
@@ -1206,8 +1210,10 @@ void BkCalendarColumn::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
     if (mScale) {
         const QTime time = mScale->timeAt(event->pos().y());
         BkCalendarPlan* plan = planAt(time, QTime());
-        if (plan && plan->bookable)
+        if (plan && plan->bookable) {
+            const BkCalendarNestedLoop loop;
             emit planActivated(plan, time);
+        }
     }
     if (self)
         QGraphicsItem::mouseDoubleClickEvent(event);
@@ -1221,8 +1227,10 @@ void BkCalendarColumn::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
     if (mScale && event->button() == Qt::RightButton) {
         const QTime time = mScale->timeAt(event->pos().y());
         BkCalendarPlan* plan = planAt(time, QTime());
-        if (plan)
+        if (plan) {
+            const BkCalendarNestedLoop loop;
             emit planContextMenu(event->screenPos(), plan, time);
+        }
     }
     if (self)
         QGraphicsItem::mouseReleaseEvent(event);
@@ -1301,6 +1309,7 @@ void BkCalendarColumn::dropEvent(QGraphicsSceneDragDropEvent* event)
         if (!stillThere())
             return;
         if (booked) {
+            const BkCalendarNestedLoop loop;
             answer = FwMessageBox::question(event->widget(), tr("Resource booked double"),
                                             tr("Do you want to make a double booked resource ?"),
                                             QMessageBox::Yes, QMessageBox::No, QStringList());

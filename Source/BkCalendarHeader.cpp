@@ -2,6 +2,7 @@
 
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
+#include "BkCalendarNestedLoop.h"
 #include "FwApplication.h"
 
 #include <FwMenu.h>
@@ -195,6 +196,7 @@ void BkCalendarHeader::contextMenuEvent(QGraphicsSceneContextMenuEvent* event)
     else
         mMenu->addAction(tr("Remove custom size"));
     event->accept();
+    const BkCalendarNestedLoop loop;
     mMenu->exec(event->screenPos());
 }
 

@@ -3,6 +3,7 @@
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
 #include "BkCalendarItem.h"
+#include "BkCalendarNestedLoop.h"
 #include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
 #include "BkMinutes.h"
@@ -464,7 +465,10 @@ void BkCalendarItemWidget::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
         data->setData(QStringLiteral("text/calitem"), QByteArray::number(mItem->id.toInt(), 10));
         drag->setMimeData(data);
         drag->setHotSpot(QPoint(15, 20));
-        drag->exec(Qt::MoveAction);
+        {
+            const BkCalendarNestedLoop loop;
+            drag->exec(Qt::MoveAction);
+        }
         // The drag runs a loop of its own, in which the drop may have taken this box away.
         if (!self)
             return;
@@ -496,8 +500,10 @@ void BkCalendarItemWidget::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event
     if (!mItem)
         return;
     QPointer<BkCalendarItemWidget> self(this);
-    if (mItem->type() != BkCalendarItem::Reserved)
+    if (mItem->type() != BkCalendarItem::Reserved) {
+        const BkCalendarNestedLoop loop;
         emit itemActivated(mItem);
+    }
     // The host may have opened a dialog on the signal, in which this box went away.
     if (self)
         QGraphicsItem::mouseDoubleClickEvent(event);
@@ -515,6 +521,7 @@ void BkCalendarItemWidget::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
     const BookingWatch watch(item);
     bool keep = true;
     if (mMoved && mColumn && mColumn->isResourceBooked(item) && watch.lives()) {
+        const BkCalendarNestedLoop loop;
         keep = FwMessageBox::question(event->widget(), tr("Resource booked double"),
                                       tr("Do you want to make a double booked resource ?"), QMessageBox::Yes,
                                       QMessageBox::No, QStringList()) != QMessageBox::No;
@@ -598,8 +605,10 @@ void BkCalendarItemWidget::hoverLeaveEvent(QGraphicsSceneHoverEvent* event)
 void BkCalendarItemWidget::contextMenuEvent(QGraphicsSceneContextMenuEvent* event)
 {
     event->accept();
-    if (mItem && mItem->type() != BkCalendarItem::Reserved)
+    if (mItem && mItem->type() != BkCalendarItem::Reserved) {
+        const BkCalendarNestedLoop loop;
         emit itemContextMenu(event->screenPos(), mItem);
+    }
 }
 
 bool BkCalendarItemWidget::moveBySeconds(int n)

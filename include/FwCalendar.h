@@ -16,6 +16,7 @@
 #include "BkCalendarListDelegate.h"
 #include "BkCalendarModel.h"
 #include "BkCalendarMoveDelegate.h"
+#include "BkCalendarNestedLoop.h"
 #include "BkCalendarPainting.h"
 #include "BkCalendarRecords.h"
 #include "BkCalendarScene.h"

@@ -33,11 +33,13 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QSqlDatabase>
+#include <QTimer>
 
 namespace {
 const QDate Wednesday(2026, 11, 25);
@@ -201,6 +203,7 @@ private slots:
     void shouldLetTheHostGoToTheClickedDayAndLayTheGroup();
     void shouldLetTheHostClearTheClickedColumnAndLayTheGroup();
     void shouldLetTheHostSaveAndLayTheGroupWhileADropAsksAboutTheRoom();
+    void shouldGoOnlyOnceTheQuestionOfAReleaseIsOver();
     void shouldLetTheHostLayTheGroupWhileTheWidthsAreSet();
     void shouldGiveEachBookingOneBoxWhenTheHostUpdatesAsTheSelectedBoxGoes();
     void shouldLetTheHostLayTheGroupAsTheClickedBoxGoes();
@@ -1481,6 +1484,59 @@ void tst_BkCalendar::shouldLetTheHostClearTheClickedColumnAndLayTheGroup()
     QCOMPARE(form.view()->getColumnList().first()->resource().id.toInt(), 6);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!form.view()->grab().isNull());
+}
+
+void tst_BkCalendar::shouldGoOnlyOnceTheQuestionOfAReleaseIsOver()
+{
+    // Anna's booking is dragged by the mouse onto the hour at which the room is Ben's. While the user
+    // is asked about it, the host closes the form with deleteLater, and the question's loop runs on
+    // before the user answers Yes. The form stays until the release is over, the booking keeps its
+    // new time, and the form goes once the event loop runs.
+    auto* form = new BkCalendar(nullptr, AllShows);
+    const QPointer<BkCalendar> alive(form);
+    const BkCalendarResource anna(5, QStringLiteral("Anna"), 0);
+    form->setResource(anna);
+    addPlan(form->model(), Wednesday, anna);
+    form->setDate(Wednesday);
+    form->show1Day();
+    form->resize(900, 600);
+    form->show();
+    BkCalendarItem* moved = addBooking(form->model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
+    moved->setResourceId(1);
+    addBooking(form->model(), 2, Wednesday, 6, QTime(11, 0), QTime(12, 0))->setResourceId(1);
+    bool asked = false;
+    FwTest::whenModal([&](QWidget* modal) {
+        auto* box = qobject_cast<QMessageBox*>(modal);
+        QVERIFY(box);
+        asked = true;
+        form->deleteLater();
+        QTimer::singleShot(200, box, [box] { box->button(QMessageBox::Yes)->click(); });
+    });
+    BkCalendarView* view = form->view();
+    BkCalendarItemWidget* box = moved->widget;
+    QVERIFY(box);
+    const QPointF grip = box->mapToScene(box->boundingRect().center());
+    const QPointF target = grip + QPointF(0.0, 2 * 60 * double(view->timeScale()->minuteHeight()));
+    const auto send = [view](QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,
+                             Qt::MouseButtons buttons) {
+        const QPoint local = view->mapFromScene(scenePos);
+        QMouseEvent event(type, local, view->viewport()->mapToGlobal(local), button, buttons, Qt::NoModifier);
+        QApplication::sendEvent(view->viewport(), &event);
+    };
+    send(QEvent::MouseButtonPress, grip, Qt::LeftButton, Qt::LeftButton);
+    send(QEvent::MouseMove, (grip + target) / 2.0, Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseMove, target, Qt::NoButton, Qt::LeftButton);
+    // Moved into Ben's hour in the room.
+    const QTime dropped = moved->start();
+    QVERIFY(dropped > QTime(10, 0) && dropped < QTime(12, 0));
+    send(QEvent::MouseButtonRelease, target, Qt::LeftButton, Qt::NoButton);
+
+    QVERIFY(asked);
+    QVERIFY(alive);
+    QCOMPARE(moved->start(), dropped);
+    QVERIFY(form->model()->commitTimer()->isActive());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!alive);
 }
 
 void tst_BkCalendar::shouldLetTheHostSaveAndLayTheGroupWhileADropAsksAboutTheRoom()
