@@ -572,6 +572,10 @@ void BkCalendarColumn::updateChildren()
             return;
         }
         for (BkCalendarItem* item : items) {
+            // The old boxes are gone: a box of this column is one that a booking of the host's answer
+            // to the read got as it came.
+            if (item->widget && item->widget->parentItem() == this)
+                continue;
             if (!mDeferBoxes && mScale && mScale->inside(item->start(), item->end()))
                 makeWidget(item);
         }

@@ -214,6 +214,7 @@ private slots:
     void shouldOutliveAHostThatRebuildsTheColumnsWhenTheSelectionMoves();
     void shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToALoad_data();
     void shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToALoad();
+    void shouldGiveOneBoxToABookingThatTheAnswerToABoxUpdateBrings();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data();
@@ -1102,6 +1103,25 @@ void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToAL
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     verifyColumnsAndBoxes(f.view);
     QVERIFY(!f.view.grab().isNull());
+}
+
+void tst_BkCalendarView::shouldGiveOneBoxToABookingThatTheAnswerToABoxUpdateBrings()
+{
+    // The host reloaded its bookings: the model is cleared, and the first read of Monday's bookings,
+    // by the update of the boxes of Monday's column, asks for them. The booking of the answer gets its
+    // box as it comes, and the update gives it no second one.
+    AnnasWeek f;
+    f.model.clear();
+    BkCalendarItem* loaded = nullptr;
+    LoadingHost host(f.model, [&](const BkCalendarResource& who) {
+        if (!loaded)
+            loaded = addBooking(f.model, 70, Monday, who.id, QTime(9, 0), QTime(9, 45));
+    });
+    BkCalendarColumn* monday = f.view.getColumnList().first();
+    monday->updateChildren();
+    QVERIFY(loaded);
+    QCOMPARE(boxedItems(monday), QList<BkCalendarItem*>({loaded}));
+    verifyColumnsAndBoxes(f.view);
 }
 
 void tst_BkCalendarView::shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick()
