@@ -545,11 +545,14 @@ void BkCalendarColumn::updateChildren()
     {
         // While the host is let in, the boxes go retired. A selected one loses its selection as it
         // is hidden, which ends the visit of a change of its selection underway; the host hears it
-        // leave the scene after that, and its answer must still find this column whole.
-        std::optional<BkCalendarHostVisit> visit;
-        if (BkCalendarHostVisit::active())
-            visit.emplace();
+        // leave the scene after that, and its answer must still find this column whole. A selected
+        // box that goes lets the host in as well, through the scene's notice of the change.
         const QList<QGraphicsItem*> children = childItems();
+        std::optional<BkCalendarHostVisit> visit;
+        if (BkCalendarHostVisit::active() ||
+            std::any_of(children.cbegin(), children.cend(),
+                        [](const QGraphicsItem* child) { return child->isSelected(); }))
+            visit.emplace();
         for (int i = children.size() - 1; i >= 0; --i) {
             QGraphicsItem* child = children.at(i);
             if (child->data(ItemKindRole).toInt() != ItemKindItemWidget)

@@ -215,6 +215,7 @@ private slots:
     void shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToALoad_data();
     void shouldOutliveAHostThatRebuildsTheColumnsInItsAnswerToALoad();
     void shouldGiveOneBoxToABookingThatTheAnswerToABoxUpdateBrings();
+    void shouldOutliveAHostThatRebuildsTheColumnsAsTheSelectedBoxGoes();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data();
@@ -1122,6 +1123,33 @@ void tst_BkCalendarView::shouldGiveOneBoxToABookingThatTheAnswerToABoxUpdateBrin
     QVERIFY(loaded);
     QCOMPARE(boxedItems(monday), QList<BkCalendarItem*>({loaded}));
     verifyColumnsAndBoxes(f.view);
+}
+
+void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsAsTheSelectedBoxGoes()
+{
+    // A booking of Monday is selected. The view moves three weeks on, and Monday's column lets its
+    // boxes go; the scene tells of the selection going with the selected one, and the host answers
+    // by showing two days. The two days stand, and the old columns are left alone.
+    AnnasWeekWithBookings f;
+    BkCalendarColumn* monday = f.view.getColumnList().first();
+    const QList<BkCalendarItem*> mondays = boxedItems(monday);
+    QVERIFY(!mondays.isEmpty());
+    mondays.first()->widget->setSelected(true);
+    bool answered = false;
+    connect(f.view.scene(), &QGraphicsScene::selectionChanged, &f.view, [&] {
+        if (answered)
+            return;
+        answered = true;
+        f.view.setDays(2);
+    });
+    f.view.setDate(Monday.addDays(21));
+
+    QVERIFY(answered);
+    QCOMPARE(f.view.getColumnList().size(), 2);
+    verifyColumnsAndBoxes(f.view);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    verifyColumnsAndBoxes(f.view);
+    QVERIFY(!f.view.grab().isNull());
 }
 
 void tst_BkCalendarView::shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick()
