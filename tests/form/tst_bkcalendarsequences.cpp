@@ -325,6 +325,11 @@ private:
         // other listeners have yet to hear of it.
         if (qstrcmp(signal, "itemAdded") == 0 && what >= 12 && what <= 17)
             what = 10;
+        // Nor are the bookings of a save taken away while it is handed round: the host's other
+        // listener, on the model, has yet to write them.
+        if ((qstrcmp(signal, "saveItems") == 0 || qstrcmp(signal, "model saveItems") == 0) && what >= 12 &&
+            what <= 17)
+            what = 10;
         // A change of a booking comes in the middle of the user's gesture on its box, which goes on
         // after the answer: the grid is not built anew there, but bookings may come and go.
         const bool bookingNews = mInBookingNews || qstrcmp(signal, "itemAdded") == 0 ||
