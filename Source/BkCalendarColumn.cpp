@@ -557,6 +557,10 @@ void BkCalendarColumn::updateChildren()
             QGraphicsItem* child = children.at(i);
             if (child->data(ItemKindRole).toInt() != ItemKindItemWidget)
                 continue;
+            // A box that an outer update is taking away already, and in whose going the host's answer
+            // had the column updated.
+            if (const auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child); box && box->deleting())
+                continue;
             if (visit)
                 BkCalendarItemWidget::retire(child);
             BkCalendarHostVisit::remove(child);

@@ -18,9 +18,12 @@ void BkCalendarHostVisit::remove(QGraphicsItem* item)
         delete item;
         return;
     }
-    item->hide();
+    // Out of the scene first: a selected item that leaves it is one notice of the change of selection,
+    // as its deletion would be; hidden first, it would be two, its loss of the selection and its
+    // leaving.
     if (QGraphicsScene* scene = item->scene())
         scene->removeItem(item);
+    item->hide();
     // Hidden and out of the scene, nothing that the item may still hear shows or reaches the host.
     if (auto* object = dynamic_cast<QObject*>(item))
         object->deleteLater();

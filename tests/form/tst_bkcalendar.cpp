@@ -1680,9 +1680,8 @@ void tst_BkCalendar::shouldGiveEachBookingOneBoxWhenTheHostUpdatesAsTheSelectedB
 void tst_BkCalendar::shouldLetTheHostLayTheGroupAsTheClickedBoxGoes()
 {
     // A click selects a booking. The host answers the change of selection by having the columns
-    // updated; the clicked box goes in that update, losing its selection as it is hidden and then
-    // leaving the scene, and the host answers the second of those with the group: the column goes in
-    // the middle of its update, and the group stands.
+    // updated; the clicked box goes in that update, leaving the scene with the selection, and the host
+    // answers that with the group: the column goes in the middle of its update, and the group stands.
     BkCalendar form(nullptr, AllShows);
     form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
     form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
@@ -1699,13 +1698,13 @@ void tst_BkCalendar::shouldLetTheHostLayTheGroupAsTheClickedBoxGoes()
         ++answered;
         if (answered == 1)
             form.view()->updateWidgets();
-        else if (answered == 3)
+        else if (answered == 2)
             form.showGroup();
     });
     const QPoint at = form.view()->mapFromScene(clicked->widget->sceneBoundingRect().center());
     QTest::mousePress(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
     QTest::mouseRelease(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
-    QVERIFY(answered >= 3);
+    QVERIFY(answered >= 2);
     QCOMPARE(form.showType(), int(BkCalendar::ShowGroup));
     QCOMPARE(form.view()->getColumnList().count(), 1);
     QCOMPARE(form.view()->getColumnList().first()->resource().id.toInt(), 6);
