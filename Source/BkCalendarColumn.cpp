@@ -543,10 +543,9 @@ void BkCalendarColumn::updateChildren()
     const quint32 update = ++mChildUpdates;
     mHoldLayout = true;
     {
-        // While the host is let in, the boxes go retired. A selected one loses its selection as it
-        // is hidden, which ends the visit of a change of its selection underway; the host hears it
-        // leave the scene after that, and its answer must still find this column whole. A selected
-        // box that goes lets the host in as well, through the scene's notice of the change.
+        // While the host is let in, the boxes go retired, and its answer finds this column whole. A
+        // selected box that goes lets the host in as well, through the scene's notice that the
+        // selection changed.
         const QList<QGraphicsItem*> children = childItems();
         std::optional<BkCalendarHostVisit> visit;
         if (BkCalendarHostVisit::active() ||
