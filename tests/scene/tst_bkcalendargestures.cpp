@@ -46,6 +46,17 @@ public:
     BkCalendarColumn* column = nullptr;
 };
 
+// A release answered No: the booking of a gesture that began at 09:00 and stepped to 09:45 first is back
+// at the time of that first step, saved as it is, and its box stands there.
+void verifyTakenBackToTheFirstStep(const Fixture& f, BkCalendarItem* item)
+{
+    QCOMPARE(item->start(), t(9, 45));
+    QCOMPARE(item->end(), t(10, 45));
+    QVERIFY(!f.s.model.isInvalid(item));
+    QVERIFY(!f.s.model.commitTimer()->isActive());
+    QCOMPARE(item->widget->pos().y(), 50.0 + 2.0 * (3 * 60 + 45));
+}
+
 } // namespace
 
 class tst_BkCalendarGestures : public QObject
@@ -285,11 +296,7 @@ void tst_BkCalendarGestures::releaseOfADoubleBookingAsks()
         QVERIFY(f.s.model.commitTimer()->isActive());
     } else {
         // Back to the time of the first step of the gesture, not to the time before it.
-        QCOMPARE(item->start(), t(9, 45));
-        QCOMPARE(item->end(), t(10, 45));
-        QVERIFY(!f.s.model.isInvalid(item));
-        QVERIFY(!f.s.model.commitTimer()->isActive());
-        QCOMPARE(item->widget->pos().y(), 50.0 + 2.0 * (3 * 60 + 45));
+        verifyTakenBackToTheFirstStep(f, item);
     }
 }
 
@@ -376,11 +383,7 @@ void tst_BkCalendarGestures::releaseAsksOfADoubleBookingWhoseBoxTheLoadAnswerTak
         QVERIFY(f.s.model.commitTimer()->isActive());
     } else {
         // Back to the time of the first step of the gesture, in the box of the answer.
-        QCOMPARE(item->start(), t(9, 45));
-        QCOMPARE(item->end(), t(10, 45));
-        QVERIFY(!f.s.model.isInvalid(item));
-        QVERIFY(!f.s.model.commitTimer()->isActive());
-        QCOMPARE(item->widget->pos().y(), 50.0 + 2.0 * (3 * 60 + 45));
+        verifyTakenBackToTheFirstStep(f, item);
     }
 }
 
