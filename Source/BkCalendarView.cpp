@@ -277,22 +277,7 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
             FwApplication::app()->getValue(QStringLiteral("set_hideempty"), QString()).toInt() == 1)
             continue;
 
-        auto* column = new BkCalendarColumn(nullptr, true);
-        mColumnInSetUp = column;
-        column->setDeferBoxes(true);
-        column->setHeaderText(resource.name);
-        column->setRaise(mRaise);
-        column->setTimeScale(mScale);
-        column->init(-1.0);
-        column->setResourceMode(1);
-        column->update();
-        column->setColorScheme(&mScheme);
-        column->update();
-        column->setDate(mDate);
-        column->update();
-        column->setResource(resource);
-        column->update();
-        column->setModel(mModel);
+        BkCalendarColumn* column = setUpGroupColumn(resource.name, resource, true);
         if (mBuilds != build)
             return;
         mColumnInSetUp = nullptr;
@@ -324,6 +309,30 @@ void BkCalendarView::setResources(QList<BkCalendarResource> resources)
     }
     // Every member was hidden for an empty schedule.
     showInfo(1);
+}
+
+// A column of the group under `caption`, set up off the scene as every column of the group is; it is the
+// column in set-up until its caller lists it. Its boxes wait for the sizing when `deferBoxes` is set.
+BkCalendarColumn* BkCalendarView::setUpGroupColumn(const QString& caption, const BkCalendarResource& resource,
+                                                   bool deferBoxes)
+{
+    auto* column = new BkCalendarColumn(nullptr, true);
+    mColumnInSetUp = column;
+    column->setDeferBoxes(deferBoxes);
+    column->setHeaderText(caption);
+    column->setRaise(mRaise);
+    column->setTimeScale(mScale);
+    column->init(-1.0);
+    column->setResourceMode(1);
+    column->update();
+    column->setColorScheme(&mScheme);
+    column->update();
+    column->setDate(mDate);
+    column->update();
+    column->setResource(resource);
+    column->update();
+    column->setModel(mModel);
+    return column;
 }
 
 void BkCalendarView::showInfo(int type)
@@ -657,26 +666,12 @@ void BkCalendarView::takePick(BkCalendarColumn* column, const BkCalendarResource
 
     if (was.id.isNull()) {
         // The placeholder was filled: a new one stands behind it.
-        auto* placeholder = new BkCalendarColumn(nullptr, true);
-        mColumnInSetUp = placeholder;
-        connect(placeholder, qOverload<>(&BkCalendarColumn::widthChanged), this,
-                &BkCalendarView::calculateSizes);
-        placeholder->setHeaderText(tr("Double click to set"));
-        placeholder->setRaise(mRaise);
-        placeholder->setTimeScale(mScale);
-        placeholder->init(-1.0);
-        placeholder->setResourceMode(1);
-        placeholder->update();
-        placeholder->setColorScheme(&mScheme);
-        placeholder->update();
-        placeholder->setDate(mDate);
-        placeholder->update();
-        placeholder->setResource(was);
-        placeholder->update();
-        placeholder->setModel(mModel);
+        BkCalendarColumn* placeholder = setUpGroupColumn(tr("Double click to set"), was, false);
         if (mBuilds != build)
             return;
         mColumnInSetUp = nullptr;
+        connect(placeholder, qOverload<>(&BkCalendarColumn::widthChanged), this,
+                &BkCalendarView::calculateSizes);
         placeholder->setMinWidth(int(mMinWidth));
         connect(placeholder, &BkCalendarColumn::headerActivated, this, &BkCalendarView::headerActivated);
         mScene->addItem(placeholder);

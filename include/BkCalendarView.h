@@ -109,6 +109,8 @@ private:
     void relayColumn(BkCalendarColumn* column);
     void makeDeferredBoxes();
     void makeBoxesBeforeLoad(const BkCalendarResource& resource, const QDate& date);
+    BkCalendarColumn* setUpGroupColumn(const QString& caption, const BkCalendarResource& resource,
+                                       bool deferBoxes);
     void showInfo(int type);
     void takePick(BkCalendarColumn* column, const BkCalendarResource& was, const BkCalendarUserList& picker);
     void saveGroup();
