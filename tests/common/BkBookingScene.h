@@ -47,6 +47,15 @@ inline QTime t(int h, int m, int s = 0)
     return QTime(h, m, s);
 }
 
+// A mouse event at a scene position, delivered to a view's viewport as the window system would.
+inline void sendMouse(QGraphicsView* view, QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,
+                      Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    const QPoint local = view->mapFromScene(scenePos);
+    QMouseEvent event(type, local, view->viewport()->mapToGlobal(local), button, buttons, modifiers);
+    QApplication::sendEvent(view->viewport(), &event);
+}
+
 class BookingScene
 {
 public:
@@ -146,13 +155,10 @@ public:
         QApplication::sendEvent(&scene, &activate);
     }
 
-    // A mouse event at a scene position, delivered to the view's viewport as the window system would.
     void mouse(QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button, Qt::MouseButtons buttons,
                Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
-        const QPoint local = view.mapFromScene(scenePos);
-        QMouseEvent event(type, local, view.viewport()->mapToGlobal(local), button, buttons, modifiers);
-        QApplication::sendEvent(view.viewport(), &event);
+        sendMouse(&view, type, scenePos, button, buttons, modifiers);
     }
     void press(const QPointF& p, Qt::MouseButton button = Qt::LeftButton)
     {

@@ -1,6 +1,7 @@
 // The calendar form as a host embeds it: its layout, flags, docks, menus and tool bar, the signals it
 // passes on, the five ways of showing the calendar, the date jumps and the keys.
 
+#include "BkBookingScene.h"
 #include "FwModal.h"
 #include "FwTestApplication.h"
 
@@ -33,7 +34,6 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QScrollBar>
@@ -58,6 +58,20 @@ BkCalendarItem* addBooking(BkCalendarModel* model, int id, const QDate& date, co
     item->setTime(start, end);
     model->addItem(item);
     return item;
+}
+
+// Anna's days from `date` on, one or five, shown in a window of 900 by 600; Ben alone is the group.
+void showAnnasDaysWithBenAsGroup(BkCalendar& form, const QDate& date, int days)
+{
+    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
+    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
+    form.setDate(date);
+    if (days == 5)
+        form.show5Day();
+    else
+        form.show1Day();
+    form.resize(900, 600);
+    form.show();
 }
 
 // The group of Ben alone that the host laid stands, and what it replaced goes once the event loop runs.
@@ -1436,12 +1450,7 @@ void tst_BkCalendar::shouldLetTheHostGoToTheClickedDayAndLayTheGroup()
     // selects the same column once more inside the click, and then with the group: the column goes
     // while the click still holds it, and the host's group stands.
     BkCalendar form(nullptr, AllShows);
-    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
-    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
-    form.setDate(Monday);
-    form.show5Day();
-    form.resize(900, 600);
-    form.show();
+    showAnnasDaysWithBenAsGroup(form, Monday, 5);
     QCOMPARE(form.view()->getColumnList().count(), 5);
     BkCalendarColumn* wednesday = form.view()->getColumnList().at(2);
     QVERIFY(!wednesday->isSelected());
@@ -1465,12 +1474,7 @@ void tst_BkCalendar::shouldLetTheHostClearTheClickedColumnAndLayTheGroup()
     // it and building the group, before Qt has told the column that it is selected: the column goes
     // while the click still holds it, and the host's group stands.
     BkCalendar form(nullptr, AllShows);
-    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
-    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
-    form.setDate(Monday);
-    form.show5Day();
-    form.resize(900, 600);
-    form.show();
+    showAnnasDaysWithBenAsGroup(form, Monday, 5);
     BkCalendarColumn* wednesday = form.view()->getColumnList().at(2);
     QVERIFY(!wednesday->isSelected());
     int answered = 0;
@@ -1521,9 +1525,7 @@ void tst_BkCalendar::shouldGoOnlyOnceTheQuestionOfAReleaseIsOver()
     const QPointF target = grip + QPointF(0.0, 2 * 60 * double(view->timeScale()->minuteHeight()));
     const auto send = [view](QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,
                              Qt::MouseButtons buttons) {
-        const QPoint local = view->mapFromScene(scenePos);
-        QMouseEvent event(type, local, view->viewport()->mapToGlobal(local), button, buttons, Qt::NoModifier);
-        QApplication::sendEvent(view->viewport(), &event);
+        BkTest::sendMouse(view, type, scenePos, button, buttons);
     };
     send(QEvent::MouseButtonPress, grip, Qt::LeftButton, Qt::LeftButton);
     send(QEvent::MouseMove, (grip + target) / 2.0, Qt::NoButton, Qt::LeftButton);
@@ -1685,12 +1687,7 @@ void tst_BkCalendar::shouldLetTheHostLayTheGroupAsTheClickedBoxGoes()
     // updated; the clicked box goes in that update, leaving the scene with the selection, and the host
     // answers that with the group: the column goes in the middle of its update, and the group stands.
     BkCalendar form(nullptr, AllShows);
-    form.setResource(BkCalendarResource(5, QStringLiteral("Anna"), 0));
-    form.setResourceList({BkCalendarResource(6, QStringLiteral("Ben"), 0)});
-    form.setDate(Wednesday);
-    form.show1Day();
-    form.resize(900, 600);
-    form.show();
+    showAnnasDaysWithBenAsGroup(form, Wednesday, 1);
     BkCalendarItem* clicked = addBooking(form.model(), 1, Wednesday, 5, QTime(9, 0), QTime(10, 0));
     addBooking(form.model(), 2, Wednesday, 5, QTime(11, 0), QTime(12, 0));
     QVERIFY(clicked->widget);

@@ -45,6 +45,29 @@ const QList<BkCalendarResource>& people()
     return list;
 }
 
+// Everybody's schedule from twelve days before Wednesday to twelve days after, open from 07:00 to 19:00;
+// with `lunchOnOddDays` the lunch hour is closed on odd days.
+void addSchedules(BkCalendarModel* model, bool lunchOnOddDays)
+{
+    for (int day = -12; day <= 12; ++day) {
+        for (const BkCalendarResource& who : people()) {
+            const QList<QPair<QTime, QTime>> open =
+                lunchOnOddDays && day % 2
+                    ? QList<QPair<QTime, QTime>>{{QTime(7, 0), QTime(12, 0)}, {QTime(13, 0), QTime(19, 0)}}
+                    : QList<QPair<QTime, QTime>>{{QTime(7, 0), QTime(19, 0)}};
+            for (const auto& span : open) {
+                auto* plan = new BkCalendarPlan;
+                plan->date = Wednesday.addDays(day);
+                plan->resource = who;
+                plan->start = span.first;
+                plan->end = span.second;
+                plan->bookable = true;
+                model->addItem(plan);
+            }
+        }
+    }
+}
+
 // What a box may hold: nothing, once its booking is gone or removed, or a booking that its model
 // still files under the box's column. A drag takes the box along to the column under the pointer, and
 // when the booking goes back (the drag leaves the scene, the answer is No, or a rollback comes before
@@ -117,10 +140,7 @@ BkCalendarItem* dragSomeBooking(BkCalendar& form, QRandomGenerator& random)
         // drag of the window system.
         auto mouse = [view](QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,
                             Qt::MouseButtons buttons) {
-            const QPoint local = view->mapFromScene(scenePos);
-            QMouseEvent event(type, local, view->viewport()->mapToGlobal(local), button, buttons,
-                              Qt::NoModifier);
-            QApplication::sendEvent(view->viewport(), &event);
+            BkTest::sendMouse(view, type, scenePos, button, buttons);
         };
         QPointF at = box->sceneBoundingRect().center();
         mouse(QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
@@ -490,25 +510,8 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
                     model->addItem(item);
                 });
     }
-    // Everybody's schedule is open from 07:00 to 19:00, with the lunch hour closed on odd days, so
-    // that moves and drops have somewhere to go and somewhere they are refused.
-    for (int day = -12; day <= 12; ++day) {
-        for (const BkCalendarResource& who : people()) {
-            const QList<QPair<QTime, QTime>> open =
-                day % 2
-                    ? QList<QPair<QTime, QTime>>{{QTime(7, 0), QTime(12, 0)}, {QTime(13, 0), QTime(19, 0)}}
-                    : QList<QPair<QTime, QTime>>{{QTime(7, 0), QTime(19, 0)}};
-            for (const auto& span : open) {
-                auto* plan = new BkCalendarPlan;
-                plan->date = Wednesday.addDays(day);
-                plan->resource = who;
-                plan->start = span.first;
-                plan->end = span.second;
-                plan->bookable = true;
-                model->addItem(plan);
-            }
-        }
-    }
+    // Moves and drops have somewhere to go and, at lunch on odd days, somewhere they are refused.
+    addSchedules(model, true);
     form->setResource(people().at(0));
     form->setResourceList(people());
     form->setDate(Wednesday);
@@ -692,17 +695,7 @@ void tst_BkCalendarSequences::shouldSurviveAHostThatAnswersEverySignalWithAnythi
     form->resize(900, 600);
     form->show();
     BkCalendarModel* model = form->model();
-    for (int day = -12; day <= 12; ++day) {
-        for (const BkCalendarResource& who : people()) {
-            auto* plan = new BkCalendarPlan;
-            plan->date = Wednesday.addDays(day);
-            plan->resource = who;
-            plan->start = QTime(7, 0);
-            plan->end = QTime(19, 0);
-            plan->bookable = true;
-            model->addItem(plan);
-        }
-    }
+    addSchedules(model, false);
     form->setResource(people().at(0));
     form->setResourceList(people());
     form->setDate(Wednesday);
@@ -730,10 +723,7 @@ void tst_BkCalendarSequences::shouldSurviveAHostThatAnswersEverySignalWithAnythi
     auto viewPoint = [&](const QPointF& scenePos) { return form->view()->mapFromScene(scenePos); };
     auto mouse = [&](QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,
                      Qt::MouseButtons buttons) {
-        BkCalendarView* view = form->view();
-        const QPoint local = viewPoint(scenePos);
-        QMouseEvent event(type, local, view->viewport()->mapToGlobal(local), button, buttons, Qt::NoModifier);
-        QApplication::sendEvent(view->viewport(), &event);
+        BkTest::sendMouse(form->view(), type, scenePos, button, buttons);
     };
     int step = 0;
     int what = -1;

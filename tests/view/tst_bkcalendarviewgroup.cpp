@@ -127,6 +127,13 @@ struct GroupView : BkShownView
         : BkShownView(QSize(900, 500))
     {
     }
+
+    // The group of Anna Berg with the placeholder behind her.
+    void showAnnaAndAPlaceholder()
+    {
+        view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
+                           BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    }
 };
 } // namespace
 
@@ -236,8 +243,7 @@ void tst_BkCalendarViewGroup::shouldGrowANewPlaceholderBehindAFilledOne()
 {
     GroupView g;
     QVERIFY(g.ok);
-    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
-                         BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    g.showAnnaAndAPlaceholder();
     answerPicker(Answer::Pick, 30, 0);
     doubleClickHeader(g.view, g.view.getColumnList().at(1));
     QCOMPARE(g.view.days(), 3);
@@ -347,8 +353,7 @@ void tst_BkCalendarViewGroup::shouldRelayAgainAtEveryPick()
 {
     GroupView g;
     QVERIFY(g.ok);
-    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
-                         BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    g.showAnnaAndAPlaceholder();
     BkCalendarColumn* anna = g.view.getColumnList().at(0);
     BkCalendarColumn* placeholder = g.view.getColumnList().at(1);
     answerPicker(Answer::Pick, 30, 0);
@@ -422,8 +427,7 @@ void tst_BkCalendarViewGroup::shouldLeaveAGroupAloneThatTheHostRebuiltDuringTheP
     QFETCH(bool, onPlaceholder);
     GroupView g;
     QVERIFY(g.ok);
-    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
-                         BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    g.showAnnaAndAPlaceholder();
     BkCalendarColumn* clicked = g.view.getColumnList().at(onPlaceholder ? 1 : 0);
     QPointer<BkCalendarColumn> gone(clicked);
     QSignalSpy sizes(&g.view, qOverload<int, int>(&BkCalendarView::sizeChanged));
@@ -481,8 +485,7 @@ void tst_BkCalendarViewGroup::shouldStopTheEditWhenTheHostRebuildsTheGroupOnTheL
     QFETCH(bool, onPlaceholder);
     GroupView g;
     QVERIFY(g.ok);
-    g.view.setResources({BkCalendarResource(12, QStringLiteral("Anna Berg"), 0),
-                         BkCalendarResource(QVariant(), QStringLiteral("Add someone"), 0)});
+    g.showAnnaAndAPlaceholder();
     BkCalendarColumn* clicked = g.view.getColumnList().at(onPlaceholder ? 1 : 0);
     QPointer<BkCalendarColumn> gone(clicked);
     // The host answers the request for the picked user's bookings by showing another group.
