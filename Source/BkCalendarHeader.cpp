@@ -11,6 +11,7 @@
 #include <QBrush>
 #include <QCursor>
 #include <QFont>
+#include <QGraphicsScene>
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QGuiApplication>
@@ -89,8 +90,7 @@ BkCalendarHeader::~BkCalendarHeader()
     // A group rebuilt during a grip drag takes the header before the release that would give the
     // cursor back; the hand would then stay over the whole application. A day column's hand stays,
     // as it does at its release.
-    if (mResizable && mLastPos != QPointF(0.0, 0.0))
-        QGuiApplication::restoreOverrideCursor();
+    endGripDrag(false);
     // The context menu has no parent widget, so the header owns it.
     delete mMenu;
 }
@@ -227,32 +227,60 @@ void BkCalendarHeader::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
 
 void BkCalendarHeader::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 {
-    FwApplication* app = FwApplication::app();
-    if (!app)
+    if (!FwApplication::app())
         return;
-    if (event->button() == Qt::LeftButton && mLastPos != QPointF(0.0, 0.0) && mResizable) {
-        QGuiApplication::restoreOverrideCursor();
-        const QString key = QStringLiteral("CalendarLayout");
-        QStringList list = app->localValue(key, QVariant(QVariant::Int)).toStringList();
-        const double width = mRect.width();
-        const int id = resource.id.toInt();
-        bool found = false;
-        // Every entry of this user or resource is rewritten; entries of others, and entries that
-        // are not of the form type|id|width, stay as they are.
-        for (QString& entry : list) {
-            QStringList parts = entry.split(QLatin1Char('|'), Qt::KeepEmptyParts, Qt::CaseSensitive);
-            if (parts.size() != 3 || parts.at(0).toInt() != resource.type || parts.at(1).toInt() != id)
-                continue;
-            parts[2] = QString::number(width, 'g', 6);
-            entry = parts.join(QLatin1Char('|'));
-            found = true;
-        }
-        if (!found)
-            list.append(QStringLiteral("%1|%2|%3").arg(resource.type).arg(id).arg(width));
-        app->setLocalValue(key, QVariant(list));
-        mLastPos = QPointF(0.0, 0.0);
-    }
+    if (event->button() == Qt::LeftButton)
+        endGripDrag(true);
     QGraphicsItem::mouseReleaseEvent(event);
+}
+
+bool BkCalendarHeader::sceneEvent(QEvent* event)
+{
+    // The mouse can be taken away mid-drag, by another item or by hiding the column; no release
+    // follows. The drag ends there: the cursor comes back, and the width that the column shows is
+    // kept unless the column is on its way out, as it is when hidden.
+    if (event->type() == QEvent::UngrabMouse)
+        endGripDrag(isVisible() && FwApplication::app());
+    return QGraphicsItem::sceneEvent(event);
+}
+
+QVariant BkCalendarHeader::itemChange(GraphicsItemChange change, const QVariant& value)
+{
+    // A column on its way out leaves the scene before Qt takes the mouse from its header; like a
+    // deleted one, it stores no width.
+    if (change == ItemSceneChange && !qvariant_cast<QGraphicsScene*>(value))
+        endGripDrag(false);
+    return QGraphicsItem::itemChange(change, value);
+}
+
+void BkCalendarHeader::endGripDrag(bool store)
+{
+    // A day column's grip ends no drag: its hand and its last position stay.
+    if (mLastPos == QPointF(0.0, 0.0) || !mResizable)
+        return;
+    QGuiApplication::restoreOverrideCursor();
+    mLastPos = QPointF(0.0, 0.0);
+    if (!store)
+        return;
+    FwApplication* app = FwApplication::app();
+    const QString key = QStringLiteral("CalendarLayout");
+    QStringList list = app->localValue(key, QVariant(QVariant::Int)).toStringList();
+    const double width = mRect.width();
+    const int id = resource.id.toInt();
+    bool found = false;
+    // Every entry of this user or resource is rewritten; entries of others, and entries that
+    // are not of the form type|id|width, stay as they are.
+    for (QString& entry : list) {
+        QStringList parts = entry.split(QLatin1Char('|'), Qt::KeepEmptyParts, Qt::CaseSensitive);
+        if (parts.size() != 3 || parts.at(0).toInt() != resource.type || parts.at(1).toInt() != id)
+            continue;
+        parts[2] = QString::number(width, 'g', 6);
+        entry = parts.join(QLatin1Char('|'));
+        found = true;
+    }
+    if (!found)
+        list.append(QStringLiteral("%1|%2|%3").arg(resource.type).arg(id).arg(width));
+    app->setLocalValue(key, QVariant(list));
 }
 
 void BkCalendarHeader::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)

@@ -120,6 +120,8 @@ private slots:
     void dayColumnIgnoresTheLayout();
     void dayColumnGripShowsTheHandAndKeepsIt();
     void columnGoneMidDragGivesTheCursorBack();
+    void grabLostMidDragEndsTheDragAtTheWidthShown();
+    void columnHiddenOrTakenOutMidDragGivesTheCursorBackAndStoresNothing();
     void savedWidthComesBackForTheSameTypeAndId();
     void firstMatchIsReadLastMatchIsRemoved();
     void malformedEntriesAreLeftAlone();
@@ -335,6 +337,84 @@ void tst_BkCalendarCustomWidth::columnGoneMidDragGivesTheCursorBack()
     QVERIFY(QGuiApplication::overrideCursor());
     delete day;
     QVERIFY(QGuiApplication::overrideCursor());
+}
+
+void tst_BkCalendarCustomWidth::grabLostMidDragEndsTheDragAtTheWidthShown()
+{
+    // Another item can take the mouse while the user drags a grip; the release then never reaches
+    // the header. The drag ends there, at the width the column shows.
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    followWidth(column);
+    s.show();
+
+    const QPointF from = gripPoint(column);
+    s.press(from);
+    s.moveTo(from + QPointF(25, 0));
+    QCOMPARE(column->widthScale(), 225.0);
+    QCOMPARE(s.scene.mouseGrabberItem(), column->header());
+    auto* other = new QGraphicsRectItem(0, 0, 10, 10);
+    s.scene.addItem(other);
+    other->grabMouse();
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QCOMPARE(column->header()->lastPos(), QPointF(0, 0));
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|7|225"));
+    QCOMPARE(column->widthScale(), 225.0);
+
+    // The header hears nothing more of that drag; the next one starts as usual.
+    other->ungrabMouse();
+    s.moveTo(from + QPointF(40, 0));
+    s.release(from + QPointF(40, 0));
+    QCOMPARE(column->widthScale(), 225.0);
+    QVERIFY(!QGuiApplication::overrideCursor());
+    dragGrip(s, column, 5);
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|7|230"));
+    QVERIFY(!QGuiApplication::overrideCursor());
+
+    // A day column's hand stays, as it does at its release.
+    const BkCalendarResource anna(QVariant(17), QStringLiteral("Anna"), 0);
+    BkCalendarColumn* day = s.addColumn(Day, anna, false);
+    s.press(gripPoint(day));
+    QCOMPARE(s.scene.mouseGrabberItem(), day->header());
+    day->header()->ungrabMouse();
+    QVERIFY(QGuiApplication::overrideCursor());
+    QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|7|230"));
+}
+
+void tst_BkCalendarCustomWidth::columnHiddenOrTakenOutMidDragGivesTheCursorBackAndStoresNothing()
+{
+    // A column that the host takes away is hidden at once and deleted later; like a column deleted
+    // mid-drag, it stores no width.
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    followWidth(column);
+    s.show();
+
+    const QPointF from = gripPoint(column);
+    s.press(from);
+    s.moveTo(from + QPointF(20, 0));
+    QVERIFY(QGuiApplication::overrideCursor());
+    column->hide();
+    QVERIFY(!QGuiApplication::overrideCursor());
+    s.moveTo(from + QPointF(30, 0));
+    s.release(from + QPointF(30, 0));
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QVERIFY(storedLayout().isEmpty());
+
+    // So does a column that leaves the scene before it is deleted.
+    BkCalendarColumn* next = s.addColumn(Day, Room7, true, 1);
+    followWidth(next);
+    const QPointF grip = gripPoint(next);
+    s.press(grip);
+    s.moveTo(grip + QPointF(20, 0));
+    QCOMPARE(next->widthScale(), 220.0);
+    s.scene.removeItem(next);
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QCOMPARE(next->header()->lastPos(), QPointF(0, 0));
+    delete next;
+    s.release(grip + QPointF(20, 0));
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QVERIFY(storedLayout().isEmpty());
 }
 
 void tst_BkCalendarCustomWidth::savedWidthComesBackForTheSameTypeAndId()
