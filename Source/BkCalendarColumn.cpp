@@ -595,6 +595,10 @@ void BkCalendarColumn::itemAdded(BkCalendarItem* item)
 {
     if (!item || item->date() != mDate || !item->isLike(mResource))
         return;
+    // The host may answer this notice before the column: a booking it took out of the model again
+    // gets no box, and one it took out and added again has got its box inside, at the second notice.
+    if (item->model != mModel || (item->widget && item->widget->parentItem() == this))
+        return;
     // Unlike updateChildren, a new booking gets its box whatever the scale shows.
     makeWidget(item);
 }

@@ -121,8 +121,9 @@ void BkCalendarList::forgetRow(QListWidgetItem* row)
 void BkCalendarList::itemAdded(BkCalendarItem* item)
 {
     // The date alone decides here; whether the booking is of the shown key is a question for
-    // itemChanged, which takes a stranger's row away again.
-    if (!item || item->date() != mDate || mRows.contains(item))
+    // itemChanged, which takes a stranger's row away again. A booking that the host took out of the
+    // model in its own answer to this notice is no longer there to show.
+    if (!item || item->model != mModel || item->date() != mDate || mRows.contains(item))
         return;
     addRow(item);
 }

@@ -84,6 +84,7 @@ private slots:
     void shouldKeepItsRowsWhenItsModelIsGone();
     void shouldForgetRowsTakenAwayThroughTheWidget();
     void shouldShowOnlyTheDayItWasMovedToWhileReading();
+    void shouldMakeNoRowForABookingTheHostTookAwayAsItCame();
 };
 
 void tst_BkCalendarList::init()
@@ -485,3 +486,30 @@ void tst_BkCalendarList::shouldShowOnlyTheDayItWasMovedToWhileReading()
 
 FW_TEST_MAIN(tst_BkCalendarList)
 #include "tst_bkcalendarlist.moc"
+
+void tst_BkCalendarList::shouldMakeNoRowForABookingTheHostTookAwayAsItCame()
+{
+    // A host that filters bookings may take one away in its own answer to the model's notice of it,
+    // heard before the list's; the list then hears of a booking that is no longer there.
+    BkCalendarModel model;
+    QList<BkCalendarItem*> takenAway;
+    QObject::connect(&model, &BkCalendarModel::itemAdded, &model, [&](BkCalendarItem* item) {
+        if (item->title() == QStringLiteral("filtered")) {
+            model.removeItem(item);
+            takenAway << item;
+        }
+    });
+    BkCalendarList list;
+    list.setCalendarModel(&model);
+    list.updateModel();
+    list.setResource(Anna);
+    list.setDate(Wednesday);
+    booking(model, 1, Wednesday, Anna, QTime(9, 0), QTime(10, 0), QStringLiteral("kept"));
+    booking(model, 2, Wednesday, Anna, QTime(10, 0), QTime(11, 0), QStringLiteral("filtered"));
+    QCOMPARE(takenAway.size(), 1);
+    QCOMPARE(titles(list), QStringList() << QStringLiteral("kept"));
+    // Nothing of it is left to follow either.
+    delete takenAway.takeFirst();
+    list.setDate(Wednesday);
+    QCOMPARE(titles(list), QStringList() << QStringLiteral("kept"));
+}

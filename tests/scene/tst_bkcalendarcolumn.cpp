@@ -76,6 +76,7 @@ private slots:
     void shouldGiveOutOfScaleBookingBoxUntilRebuild();
     void shouldMoveBoxWhenBookingChanges();
     void shouldDropBoxWhenBookingIsRemoved();
+    void shouldMakeNoBoxForABookingTheHostTookAwayAsItCame();
     void shouldNeverReuseBoxes();
     void shouldListBoxesInTheirOrderUnderTheHeader();
     void shouldTellDateWhenSelected();
@@ -572,6 +573,55 @@ void tst_BkCalendarColumn::shouldDropBoxWhenBookingIsRemoved()
     QVERIFY(!widget);
     QVERIFY(fixture.widgets().isEmpty());
     delete item;
+}
+
+void tst_BkCalendarColumn::shouldMakeNoBoxForABookingTheHostTookAwayAsItCame()
+{
+    // A host that filters bookings may take one away in its own answer to the model's notice of it,
+    // heard before the column's; or take it away and add it again, which the column hears inside.
+    BkColumnFixture fixture;
+    QObject::disconnect(&fixture.model, &BkCalendarModel::itemAdded, fixture.column, nullptr);
+    QList<BkCalendarItem*> takenAway;
+    QObject::connect(&fixture.model, &BkCalendarModel::itemAdded, &fixture.model, [&](BkCalendarItem* item) {
+        if (item->title() == QStringLiteral("filtered")) {
+            fixture.model.removeItem(item);
+            takenAway << item;
+        } else if (item->title() == QStringLiteral("again")) {
+            item->setTitle(QStringLiteral("kept again"));
+            fixture.model.removeItem(item);
+            fixture.model.addItem(item);
+        }
+    });
+    QObject::connect(&fixture.model, &BkCalendarModel::itemAdded, fixture.column,
+                     &BkCalendarColumn::itemAdded);
+
+    BkCalendarItem* kept = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    auto* filtered = new BkCalendarItem();
+    filtered->id = 2;
+    filtered->setTitle(QStringLiteral("filtered"));
+    filtered->setDate(fixture.date);
+    filtered->setUserId(fixture.resource.id);
+    filtered->setTime(QTime(9, 30), QTime(10, 30));
+    fixture.model.addItem(filtered);
+    QCOMPARE(takenAway.size(), 1);
+    QVERIFY(!filtered->widget);
+    QCOMPARE(fixture.widgets().size(), 1);
+    QCOMPARE(fixture.widgets().first()->item(), kept);
+    // The box of the booking kept stands alone, over the whole width.
+    QCOMPARE(fixture.widgets().first()->boundingRect().width(), kept->widget->boundingRect().width());
+    QCOMPARE(kept->widget->colCount(), 1);
+
+    auto* again = new BkCalendarItem();
+    again->id = 3;
+    again->setTitle(QStringLiteral("again"));
+    again->setDate(fixture.date);
+    again->setUserId(fixture.resource.id);
+    again->setTime(QTime(11, 0), QTime(12, 0));
+    fixture.model.addItem(again);
+    QCOMPARE(fixture.widgets().size(), 2);
+    QVERIFY(again->widget);
+    QCOMPARE(again->widget->item(), again);
+    delete filtered;
 }
 
 void tst_BkCalendarColumn::shouldNeverReuseBoxes()
