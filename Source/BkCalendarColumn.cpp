@@ -910,6 +910,17 @@ BkCalendarPlan* BkCalendarColumn::planAt(QTime start, QTime end)
 
 namespace {
 
+// The live box of a booking among a column's children, if it has one there.
+BkCalendarItemWidget* boxOf(const QGraphicsItem* column, const BkCalendarItem* item)
+{
+    for (QGraphicsItem* child : column->childItems()) {
+        auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
+        if (box && box->item() == item && !box->deleting())
+            return box;
+    }
+    return nullptr;
+}
+
 const char CalItemFormat[] = "text/calitem";
 const char TreeRowFormat[] = "application/x-fwtreewidget";
 const char LayoutKey[] = "CalendarLayout";
@@ -1076,7 +1087,7 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
     }
     // Selecting this column tells of its date, and the new time goes out as a change of the
     // booking: whoever answers either may take the booking away, which lets go of its box.
-    const QPointer<BkCalendarItemWidget> box(widget);
+    QPointer<BkCalendarItemWidget> box(widget);
     const auto gone = [&]() { return !box || box->item() != item; };
     if (widget->parentItem() != this) {
         setSelected(true);
@@ -1084,8 +1095,15 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
             return false;
         if (QGraphicsItem* old = widget->parentItem())
             old->setSelected(false);
-        // The box rewires itself to this column's width in its itemChange.
-        widget->setParentItem(this);
+        // A booking of a person and a room stands in both of their columns of a group. Brought into
+        // one of them, it moves by the box that it has there, and the other column keeps its own.
+        if (BkCalendarItemWidget* own = boxOf(this, item)) {
+            widget = own;
+            box = own;
+        } else {
+            // The box rewires itself to this column's width in its itemChange.
+            widget->setParentItem(this);
+        }
     }
     item->setTime(s, e);
     if (gone())

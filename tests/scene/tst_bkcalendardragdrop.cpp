@@ -110,6 +110,7 @@ private slots:
     void dropOfABookingThatTheHostReloadsIsIgnored();
     void dropOfABookingTakenAwayDuringTheQuestionIsIgnored();
     void dragStartedByTheMouseEndsInAnotherColumn();
+    void bookingOfAPersonAndARoomKeepsOneBoxInEachOfTheirColumns();
 
     void moveListRowIsReadByteExactly();
     void moveListRowDropCommitsAndDeletesTheRow();
@@ -512,6 +513,54 @@ void tst_BkCalendarDragDrop::dragStartedByTheMouseEndsInAnotherColumn()
     QCOMPARE(f.booking->start(), t(14, 0));
     QVERIFY(f.s.model.commitTimer()->isActive());
     f.s.release(f.at(f.bert, t(14, 0)));
+}
+
+void tst_BkCalendarDragDrop::bookingOfAPersonAndARoomKeepsOneBoxInEachOfTheirColumns()
+{
+    // In a group of a person and a room, their booking stands in both columns. Brought from the
+    // room's column into the person's, it is moved by the box it has there, and the room keeps its own.
+    BookingScene s;
+    const BkCalendarResource room(Room, QStringLiteral("Room 5"), 1);
+    s.addPlan(Day, Anna, t(8, 0), t(16, 0));
+    s.addPlan(Day, room, t(8, 0), t(16, 0));
+    BkCalendarItem* booking = s.addItem(1, Day, Anna.id, Room, t(9, 0), t(10, 0));
+    BkCalendarColumn* anna = s.addColumn(Day, Anna);
+    BkCalendarColumn* rooms = s.addColumn(Day, room);
+    s.show();
+    const auto boxesIn = [booking](BkCalendarColumn* column) {
+        QList<BkCalendarItemWidget*> boxes;
+        for (QGraphicsItem* child : column->childItems())
+            if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
+                if (box->item() == booking)
+                    boxes << box;
+        return boxes;
+    };
+    QCOMPARE(boxesIn(anna).size(), 1);
+    QCOMPARE(boxesIn(rooms).size(), 1);
+    BkCalendarItemWidget* annasBox = boxesIn(anna).first();
+    BkCalendarItemWidget* roomsBox = boxesIn(rooms).first();
+    QCOMPARE(booking->widget, roomsBox);
+    rooms->setSelected(true);
+
+    auto data = calItemData("1");
+    const auto at = [&s](BkCalendarColumn* column, QTime time) { return s.scenePoint(column, time, 100); };
+    sendDrag(&s.scene, QEvent::GraphicsSceneDragEnter, at(anna, t(11, 0)), data.get(), s.view.viewport());
+    QVERIFY(
+        sendDrag(&s.scene, QEvent::GraphicsSceneDragMove, at(anna, t(11, 0)), data.get(), s.view.viewport()));
+    QVERIFY(
+        sendDrag(&s.scene, QEvent::GraphicsSceneDragMove, at(anna, t(12, 0)), data.get(), s.view.viewport()));
+    QVERIFY(sendDrag(&s.scene, QEvent::GraphicsSceneDrop, at(anna, t(12, 0)), data.get(), s.view.viewport()));
+    QCOMPARE(booking->start(), t(12, 0));
+    QCOMPARE(booking->userId(), Anna.id);
+    QCOMPARE(booking->resourceId(), Room);
+    QCOMPARE(boxesIn(anna), QList<BkCalendarItemWidget*>() << annasBox);
+    QCOMPARE(boxesIn(rooms), QList<BkCalendarItemWidget*>() << roomsBox);
+    QVERIFY(anna->isSelected());
+    QVERIFY(!rooms->isSelected());
+    // Both boxes stand at the booking's new time, over their column's whole width.
+    QCOMPARE(annasBox->pos().y(), roomsBox->pos().y());
+    QCOMPARE(annasBox->colCount(), 1);
+    QCOMPARE(roomsBox->colCount(), 1);
 }
 
 void tst_BkCalendarDragDrop::moveListRowIsReadByteExactly()
