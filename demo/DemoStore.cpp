@@ -151,6 +151,13 @@ bool DemoStore::fail(const QString& why)
     return false;
 }
 
+void DemoStore::reportFailedSave(const QString& message)
+{
+    if (FwApplication::app())
+        FwApplication::app()->showCritical(message, 10000);
+    emit saveFailed(message);
+}
+
 void DemoStore::loadPlanInfos()
 {
     SQLQuery query;
@@ -405,12 +412,10 @@ void DemoStore::saveItems(const QList<BkCalendarItem*>& items)
             tr("The bookings could not be saved: %1. They are kept and saved with the next "
                "change.")
                 .arg(mError);
-        if (FwApplication::app())
-            FwApplication::app()->showCritical(message, 10000);
         // Back on the unsaved list: the next save writes them.
         for (BkCalendarItem* item : items)
             item->invalidate(true);
-        emit saveFailed(message);
+        reportFailedSave(message);
         return;
     }
     // New bookings have their id now; the model finds them by it from here on.

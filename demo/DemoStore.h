@@ -42,6 +42,9 @@ public:
     bool writeRow(DemoBookingRow& row);
     bool removeRow(int id);
     QString lastError() const { return mError; }
+    // Tells the user of something that could not be saved, in the message area: bookings, and the
+    // group and settings that the window writes.
+    void reportFailedSave(const QString& message);
 
 public slots:
     void loadData(const QDate& from, const QDate& to, const BkCalendarResource& who);

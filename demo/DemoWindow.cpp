@@ -92,6 +92,9 @@ DemoWindow::DemoWindow(const QVariant& userId, QWidget* parent)
     connect(mCalendar, &BkCalendar::loadData, mStore, &DemoStore::loadData);
     connect(mCalendar, &BkCalendar::saveItems, mStore, &DemoStore::saveItems);
     connect(mStore, &DemoStore::written, this, &DemoWindow::written);
+    // The group chosen here or on the calendar's headers, and the settings: a write that the database
+    // refuses counts for this session only, and the user must hear of it.
+    connect(FwApplication::app(), &FwApplication::settingNotStored, this, &DemoWindow::settingNotStored);
     connect(mCalendar, &BkCalendar::itemActivated, this, &DemoWindow::itemActivated);
     connect(mCalendar, &BkCalendar::planActivated, this, &DemoWindow::planActivated);
     connect(mCalendar, &BkCalendar::itemContextMenu, this, &DemoWindow::itemContextMenu);
@@ -237,6 +240,20 @@ void DemoWindow::chooseGroup()
     mCalendar->setResourceList(savedGroup());
     if (currentView() != Group)
         showView(Group);
+}
+
+void DemoWindow::settingNotStored(const QString& key, const QString& reason)
+{
+    const QString message =
+        key == QLatin1String(GroupKey)
+            ? tr("The group could not be saved: %1. It is kept as chosen until the demo is closed.")
+                  .arg(reason)
+            : tr("The settings could not be saved: %1. They are kept as chosen until the demo is closed.")
+                  .arg(reason);
+    // The settings are written one by one: one message tells of them all.
+    if (FwApplication::app()->currentMessage() == message)
+        return;
+    mStore->reportFailedSave(message);
 }
 
 void DemoWindow::openSettings()

@@ -74,6 +74,7 @@ private slots:
     void itemContextMenu(QPoint pos, BkCalendarItem* item);
     void planContextMenu(QPoint pos, BkCalendarPlan* plan, QTime time);
     void written(const QList<DemoBookingRow>& before, const QList<DemoBookingRow>& after);
+    void settingNotStored(const QString& key, const QString& reason);
 
 private:
     void setupActions();

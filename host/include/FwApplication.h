@@ -31,7 +31,8 @@ public:
     // The setting `key`, or `fallback` when it is unset.
     QVariant getValue(const QString& key, const QString& fallback = QString()) const;
     // Stores a setting. `table` names the table that owns the setting (e.g. "tbl_user"); it is
-    // kept with the value, but a key names one setting whatever the table.
+    // kept with the value, but a key names one setting whatever the table. A value that the open
+    // database refuses is kept in memory for this process, and settingNotStored tells of it.
     void setValue(const QVariant& value, const QString& key, const QString& table = QString());
 
     // A value kept on this machine, across restarts.
@@ -55,13 +56,18 @@ signals:
     // Every message shown; `critical` tells an error from a success.
     void messageShown(const QString& text, bool critical);
     void messageCleared();
+    // The application's database refused to store the setting `key`, for `reason`; the value counts
+    // in this process only, and is lost when it ends.
+    void settingNotStored(const QString& key, const QString& reason);
 
 private:
     void showMessage(const QString& text, int milliseconds, bool critical);
     struct SettingReader;
     struct LocalStore;
     bool readStoredValue(const QString& key, QVariant* value) const;
-    bool writeStoredValue(const QVariant& value, const QString& key, const QString& table);
+    // False when the value is not in the database: no database is open, or it refused the value, and
+    // then `error` says why.
+    bool writeStoredValue(const QVariant& value, const QString& key, const QString& table, QString* error);
 
     // Settings written while no database was open.
     QHash<QString, QVariant> mMemoryValues;

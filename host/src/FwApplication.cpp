@@ -59,6 +59,13 @@ bool hasTextForm(int type)
     }
 }
 
+// Why a write failed, never empty: an empty reason would read as no database at all.
+QString failureOf(const QSqlQuery& query)
+{
+    const QString text = query.lastError().text().trimmed();
+    return text.isEmpty() ? QStringLiteral("the database gave no reason") : text;
+}
+
 const QDataStream::Version StreamVersion = QDataStream::Qt_5_15;
 
 QVariant streamedValue(const QString& text, int type);
@@ -375,10 +382,15 @@ void FwApplication::setValue(const QVariant& value, const QString& key, const QS
     if (key.isEmpty())
         return;
     mReader->reads.remove(key);
-    if (writeStoredValue(value, key, table))
+    QString error;
+    if (writeStoredValue(value, key, table, &error)) {
         mMemoryValues.remove(key);
-    else
-        mMemoryValues.insert(key, value);
+        return;
+    }
+    mMemoryValues.insert(key, value);
+    // Without a database memory is where settings live; a database that refused the value is news.
+    if (!error.isEmpty())
+        emit settingNotStored(key, error);
 }
 
 bool FwApplication::readStoredValue(const QString& key, QVariant* value) const
@@ -419,7 +431,8 @@ bool FwApplication::readStoredValue(const QString& key, QVariant* value) const
     return found;
 }
 
-bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, const QString& table)
+bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, const QString& table,
+                                     QString* error)
 {
     QSqlDatabase db = openDatabase();
     if (!db.isValid())
@@ -428,8 +441,8 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
     if (!create.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (fw_key VARCHAR(250) PRIMARY KEY, "
                                     "fw_table VARCHAR(250), fw_value TEXT, fw_type INTEGER)")
                          .arg(settingsTable()))) {
-        FwLog::log(
-            QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(create.lastError().text()));
+        *error = failureOf(create);
+        FwLog::log(QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(*error));
         return false;
     }
     const QVariant text = value.isNull() ? QVariant(QVariant::String) : QVariant(textOf(value));
@@ -443,8 +456,8 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
     update.addBindValue(type);
     update.addBindValue(key);
     if (!update.exec()) {
-        FwLog::log(
-            QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(update.lastError().text()));
+        *error = failureOf(update);
+        FwLog::log(QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(*error));
         return false;
     }
     if (update.numRowsAffected() > 0)
@@ -458,8 +471,8 @@ bool FwApplication::writeStoredValue(const QVariant& value, const QString& key, 
     insert.addBindValue(text);
     insert.addBindValue(type);
     if (!insert.exec()) {
-        FwLog::log(
-            QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(insert.lastError().text()));
+        *error = failureOf(insert);
+        FwLog::log(QStringLiteral("[host/src/FwApplication:%1] %2").arg(__LINE__).arg(*error));
         return false;
     }
     return true;

@@ -19,14 +19,18 @@
 #include <DemoDatabase.h>
 #include <DemoStore.h>
 #include <DemoWindow.h>
+#include <GroupDialog.h>
+#include <SettingsDialog.h>
 
 #include <FwApplication.h>
 
 #include <QAction>
 #include <QImage>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -159,6 +163,7 @@ private slots:
     void shouldWriteCreationEditDeletionAndTheirUndo();
     void shouldLoseNothingWhenASaveFails();
     void shouldAskBeforeClosingOnChangesItCouldNotSave();
+    void shouldTellWhenTheGroupOrTheSettingsCouldNotBeSaved();
     void shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit();
     void shouldAddEachPlanOnceWhenARangeIsAskedTwice();
     void shouldReadTheRowsOfTheDaysAskedFor_data();
@@ -510,6 +515,82 @@ void tst_DemoApp::shouldAskBeforeClosingOnChangesItCouldNotSave()
     QVERIFY(second.close());
     QVERIFY(reopenDatabase(false));
     QCOMPARE(readBack(mFile, titleSql, id).toString(), QStringLiteral("Not written yet"));
+}
+
+// The file turns read-only under the running program: the group chosen in its dialog and the settings
+// chosen in theirs can't be written. The user is told, as of bookings that could not be saved, and
+// works on with what was chosen; the file keeps what it had.
+void tst_DemoApp::shouldTellWhenTheGroupOrTheSettingsCouldNotBeSaved()
+{
+    const auto storedSetting = [this](const char* key) {
+        QString value;
+        onOwnConnection(mFile, [&](QSqlDatabase& db) {
+            QSqlQuery query(db);
+            query.prepare(QStringLiteral("SELECT fw_value FROM fw_setting WHERE fw_key = ?"));
+            query.addBindValue(QLatin1String(key));
+            if (query.exec() && query.next())
+                value = query.value(0).toString();
+        });
+        return value;
+    };
+    const QString group = storedSetting("usr_bookinggrouplist");
+    const QString snap = storedSetting("set_snaponmovebooking");
+    QVERIFY(!group.isEmpty());
+    QVERIFY(!snap.isEmpty());
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    QSignalSpy failed(window.store(), &DemoStore::saveFailed);
+    QVERIFY(reopenDatabase(true));
+
+    FwApplication::app()->clearMessage();
+    FwTest::whenModal([](QWidget* modal) {
+        auto* dialog = qobject_cast<GroupDialog*>(modal);
+        QVERIFY(dialog);
+        for (int i = 0; i < dialog->list()->count(); ++i) {
+            QListWidgetItem* row = dialog->list()->item(i);
+            const bool chosen = row->text().startsWith(QLatin1String("Carl Dahl")) ||
+                                row->text().startsWith(QLatin1String("Room 2"));
+            row->setCheckState(chosen ? Qt::Checked : Qt::Unchecked);
+        }
+        dialog->accept();
+    });
+    window.chooseGroup();
+    QCOMPARE(failed.count(), 1);
+    QVERIFY(FwApplication::app()->currentMessageCritical());
+    QVERIFY2(FwApplication::app()->currentMessage().contains(QStringLiteral("group could not be saved")),
+             qPrintable(FwApplication::app()->currentMessage()));
+    // On show as chosen, and kept in the file as it was.
+    QCOMPARE(window.currentView(), DemoWindow::Group);
+    QStringList shown;
+    for (BkCalendarColumn* column : window.calendar()->view()->getColumnList())
+        shown << column->resource().name;
+    QCOMPARE(shown, (QStringList{QStringLiteral("Carl Dahl"), QStringLiteral("Room 2"),
+                                 QStringLiteral("Double click to add")}));
+    QCOMPARE(storedSetting("usr_bookinggrouplist"), group);
+
+    FwApplication::app()->clearMessage();
+    FwTest::whenModal([](QWidget* modal) {
+        auto* dialog = qobject_cast<SettingsDialog*>(modal);
+        QVERIFY(dialog);
+        dialog->number(QStringLiteral("set_snaponmovebooking"))->setValue(20);
+        dialog->accept();
+    });
+    window.openSettings();
+    // One message for all the settings of the dialog.
+    QCOMPARE(failed.count(), 2);
+    QVERIFY(FwApplication::app()->currentMessageCritical());
+    QVERIFY2(FwApplication::app()->currentMessage().contains(QStringLiteral("settings could not be saved")),
+             qPrintable(FwApplication::app()->currentMessage()));
+    QCOMPARE(FwApplication::app()->getValue(QStringLiteral("set_snaponmovebooking")).toInt(), 20);
+    QCOMPARE(storedSetting("set_snaponmovebooking"), snap);
+
+    // Written again once the file takes writes, for the tests that follow.
+    QVERIFY(reopenDatabase(false));
+    FwApplication::app()->setValue(group, QStringLiteral("usr_bookinggrouplist"), QStringLiteral("tbl_user"));
+    FwApplication::app()->setValue(snap.toInt(), QStringLiteral("set_snaponmovebooking"), QString());
+    QCOMPARE(failed.count(), 2);
+    QCOMPARE(storedSetting("set_snaponmovebooking"), snap);
 }
 
 // Another program edits a booking while it is on show; the move saved here writes the times alone,

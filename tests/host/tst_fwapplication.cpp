@@ -42,6 +42,7 @@ private slots:
     void shouldKeepSettingsInTheDatabaseTable();
     void shouldReadATextEditedInTheTable();
     void shouldKeepSettingsInMemoryWithoutDatabase();
+    void shouldTellOfASettingTheDatabaseRefusedAndKeepIt();
     void shouldReadWhatAnotherConnectionWroteAndHoldNoLock();
     void shouldReadATableMadeAnew();
     void shouldKeepWhatWasReadUntilTheNextEvent();
@@ -157,6 +158,44 @@ void tst_FwApplication::shouldKeepSettingsInMemoryWithoutDatabase()
     SQLQuery query(QStringLiteral("SELECT fw_value FROM fw_setting WHERE fw_key = 'set_calexpandsize'"));
     QVERIFY(query.next());
     QCOMPARE(query.value(0).toInt(), 3);
+}
+
+// The database refuses every write of a setting, as a file turned read-only or a lost server would:
+// the value counts in this process all the same, and the application tells of the refusal. Without a
+// database memory is the place of settings, and nothing is told.
+void tst_FwApplication::shouldTellOfASettingTheDatabaseRefusedAndKeepIt()
+{
+    iApp->setValue(1, QStringLiteral("set_hideempty"), QString());
+    SQLQuery refuse;
+    QVERIFY(refuse.exec(QStringLiteral("CREATE TRIGGER refuse_update BEFORE UPDATE ON fw_setting "
+                                       "BEGIN SELECT RAISE(ABORT, 'no writes today'); END")));
+    QVERIFY(refuse.exec(QStringLiteral("CREATE TRIGGER refuse_insert BEFORE INSERT ON fw_setting "
+                                       "BEGIN SELECT RAISE(ABORT, 'no writes today'); END")));
+    QSignalSpy refused(iApp, &FwApplication::settingNotStored);
+    iApp->setValue(0, QStringLiteral("set_hideempty"), QString());
+    iApp->setValue(QStringLiteral("2:0"), QStringLiteral("usr_bookinggrouplist"), QStringLiteral("tbl_user"));
+    QCOMPARE(refused.count(), 2);
+    QCOMPARE(refused.at(0).at(0).toString(), QStringLiteral("set_hideempty"));
+    QVERIFY2(refused.at(0).at(1).toString().contains(QStringLiteral("no writes today")),
+             qPrintable(refused.at(0).at(1).toString()));
+    QCOMPARE(refused.at(1).at(0).toString(), QStringLiteral("usr_bookinggrouplist"));
+    QCOMPARE(iApp->getValue(QStringLiteral("set_hideempty"), QString()).toInt(), 0);
+    QCOMPARE(iApp->getValue(QStringLiteral("usr_bookinggrouplist"), QString()).toString(),
+             QStringLiteral("2:0"));
+    SQLQuery stored(QStringLiteral("SELECT fw_value FROM fw_setting WHERE fw_key = 'set_hideempty'"));
+    QVERIFY(stored.next());
+    QCOMPARE(stored.value(0).toInt(), 1);
+    stored.query().finish();
+
+    QVERIFY(refuse.exec(QStringLiteral("DROP TRIGGER refuse_update")));
+    QVERIFY(refuse.exec(QStringLiteral("DROP TRIGGER refuse_insert")));
+    iApp->setValue(0, QStringLiteral("set_hideempty"), QString());
+    QSqlDatabase db = QSqlDatabase::database();
+    db.close();
+    iApp->setValue(1, QStringLiteral("set_hideempty"), QString());
+    QVERIFY(db.open()); // a fresh, empty :memory: database
+    QCOMPARE(refused.count(), 2);
+    iApp->setValue(0, QStringLiteral("set_hideempty"), QString());
 }
 
 void tst_FwApplication::shouldReadWhatAnotherConnectionWroteAndHoldNoLock()
