@@ -321,13 +321,26 @@ bool DemoStore::hasPlan(const BkCalendarPlan& plan) const
 
 std::optional<DemoBookingRow> DemoStore::readRow(int id) const
 {
+    std::optional<DemoBookingRow> row;
+    QString error;
+    readStored(id, &row, &error);
+    return row;
+}
+
+bool DemoStore::readStored(int id, std::optional<DemoBookingRow>* row, QString* error) const
+{
+    row->reset();
     SQLQuery query;
     query.prepare(QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?")
                       .arg(columnsOf(true).join(QStringLiteral(", "))));
     query.addBindValue(id);
-    if (!query.exec() || !query.next())
-        return std::nullopt;
-    return rowOf(query);
+    if (!query.exec()) {
+        *error = query.lastError().text();
+        return false;
+    }
+    if (query.next())
+        *row = rowOf(query);
+    return true;
 }
 
 bool DemoStore::writeRow(DemoBookingRow& row)
@@ -392,13 +405,26 @@ void DemoStore::saveItems(const QList<BkCalendarItem*>& items)
     if (items.isEmpty())
         return;
     QSqlDatabase db = QSqlDatabase::database();
+    QList<BkCalendarItem*> saved;
     QList<DemoBookingRow> before;
     QList<DemoBookingRow> after;
+    // Bookings that another program deleted while they were on show here. Writing them would bring
+    // them back behind that program's back; they leave the calendar instead, and the user is told.
+    QList<BkCalendarItem*> gone;
     bool ok = db.transaction() || fail(db.lastError().text());
     for (int i = 0; ok && i < items.size(); ++i) {
         BkCalendarItem* item = items.at(i);
         DemoBookingRow row = DemoBookingRow::fromItem(item);
-        const std::optional<DemoBookingRow> stored = row.id > 0 ? readRow(row.id) : std::nullopt;
+        std::optional<DemoBookingRow> stored;
+        QString error;
+        ok = row.id <= 0 || readStored(row.id, &stored, &error) || fail(error);
+        if (!ok)
+            break;
+        if (row.id > 0 && !stored) {
+            gone << item;
+            continue;
+        }
+        saved << item;
         before << stored.value_or(DemoBookingRow());
         const auto known = mKnown.constFind(row.id);
         ok = writeRow(row, stored, known == mKnown.cend() ? nullptr : &known.value());
@@ -419,12 +445,29 @@ void DemoStore::saveItems(const QList<BkCalendarItem*>& items)
         return;
     }
     // New bookings have their id now; the model finds them by it from here on.
-    for (int i = 0; i < items.size(); ++i) {
-        if (items.at(i)->id.toInt() != after.at(i).id) {
-            items.at(i)->id = after.at(i).id;
-            items.at(i)->invalidate(false);
+    for (int i = 0; i < saved.size(); ++i) {
+        if (saved.at(i)->id.toInt() != after.at(i).id) {
+            saved.at(i)->id = after.at(i).id;
+            saved.at(i)->invalidate(false);
         }
-        mKnown.insert(after.at(i).id, DemoBookingRow::fromItem(items.at(i)));
+        mKnown.insert(after.at(i).id, DemoBookingRow::fromItem(saved.at(i)));
+    }
+    if (!gone.isEmpty()) {
+        const QString message =
+            gone.size() == 1
+                ? tr("The booking \"%1\" was deleted by another program: it is taken off the calendar, "
+                     "and the change to it is not saved.")
+                      .arg(gone.first()->title())
+                : tr("%n bookings were deleted by another program: they are taken off the calendar, and "
+                     "the changes to them are not saved.",
+                     nullptr, gone.size());
+        for (BkCalendarItem* item : qAsConst(gone)) {
+            mKnown.remove(item->id.toInt());
+            mModel->removeItem(item);
+            delete item;
+        }
+        if (FwApplication::app())
+            FwApplication::app()->showCritical(message, 10000);
     }
     emit written(before, after);
 }

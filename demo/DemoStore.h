@@ -59,6 +59,9 @@ signals:
 
 private:
     bool fail(const QString& why);
+    // The stored row of an id, none when the table holds no such row; false, with the reason in
+    // `error`, when the table could not be read, which tells nothing of the row.
+    bool readStored(int id, std::optional<DemoBookingRow>* row, QString* error) const;
     // Whether the model holds a block of this day and key with the same times, kind and bookability.
     bool hasPlan(const BkCalendarPlan& plan) const;
     // As writeRow, with the row as the table holds it now, read by the caller. The fields written are

@@ -165,6 +165,7 @@ private slots:
     void shouldAskBeforeClosingOnChangesItCouldNotSave();
     void shouldTellWhenTheGroupOrTheSettingsCouldNotBeSaved();
     void shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit();
+    void shouldNotBringBackABookingThatAnotherProgramDeleted();
     void shouldAddEachPlanOnceWhenARangeIsAskedTwice();
     void shouldReadTheRowsOfTheDaysAskedFor_data();
     void shouldReadTheRowsOfTheDaysAskedFor();
@@ -632,6 +633,50 @@ void tst_DemoApp::shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit()
     QCOMPARE(stored("bk_title").toString(), QStringLiteral("Renamed elsewhere"));
     QCOMPARE(stored("bk_status").toInt(), 5);
     QCOMPARE(item->start(), start);
+}
+
+// Another program deletes a booking while it is on show, and the user moves it and changes another
+// one: the save leaves the deletion as it is, takes the booking off the calendar and says so, and
+// writes the other change.
+void tst_DemoApp::shouldNotBringBackABookingThatAnotherProgramDeleted()
+{
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarModel* model = window.calendar()->model();
+    BkCalendarColumn* column = window.calendar()->view()->getColumnList().first();
+    BkCalendarItem* item = movableBooking(column);
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    BkCalendarItem* other = nullptr;
+    for (BkCalendarItem* candidate : column->getItems(true))
+        if (candidate != item && candidate->type() == 0 && candidate->statusId.toInt() != 4)
+            other = candidate;
+    QVERIFY(other);
+    const int otherId = other->id.toInt();
+    const int shown = column->getItems(true).size();
+    QVERIFY(writeBack(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), id));
+
+    QSignalSpy written(window.store(), &DemoStore::written);
+    FwApplication::app()->clearMessage();
+    item->setTime(item->start().addSecs(15 * 60), item->end().addSecs(15 * 60));
+    item->commit(false);
+    window.setStatus(other, 4);
+    QTRY_COMPARE_WITH_TIMEOUT(written.count(), 1, 20000);
+    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE id = %1").arg(id)), 0);
+    QVERIFY(!model->findId(id));
+    QCOMPARE(column->getItems(true).size(), shown - 1);
+    QVERIFY(model->invalidItems().isEmpty());
+    QVERIFY(FwApplication::app()->currentMessageCritical());
+    QVERIFY2(FwApplication::app()->currentMessage().contains(QStringLiteral("deleted by another program")),
+             qPrintable(FwApplication::app()->currentMessage()));
+    // The rest of the save is written, and is the one step back.
+    QCOMPARE(
+        readBack(mFile, QStringLiteral("SELECT bk_status FROM demo_booking WHERE id = ?"), otherId).toInt(),
+        4);
+    QCOMPARE(model->findId(otherId), other);
+    QCOMPARE(window.undoStack()->count(), 1);
+    QCOMPARE(window.undoStack()->undoText(), QStringLiteral("Edit \"%1\"").arg(other->title()));
 }
 
 // The calendar asks for each day once, but a host can't tell a repeated request from a new one: the
