@@ -58,6 +58,24 @@ QVariant keyOf(const QVariant& value)
     return value.isNull() ? QVariant() : QVariant(value.toInt());
 }
 
+// A lock as another program may have stored it: a number, or a word such as "true" or "no". A
+// value that reads as neither counts as locked: a booking shown locked by mistake waits for the user
+// to unlock it, while one shown unlocked by mistake may be moved although somebody fixed it. A
+// missing value is the column's default, unlocked.
+int lockOf(const QVariant& value)
+{
+    if (value.isNull())
+        return 0;
+    const QString text = value.toString().trimmed().toLower();
+    bool number = false;
+    const double amount = text.toDouble(&number);
+    if (number)
+        return amount != 0.0 ? 1 : 0;
+    static const QStringList unlocked{QStringLiteral("false"), QStringLiteral("f"), QStringLiteral("no"),
+                                      QStringLiteral("n"), QStringLiteral("off")};
+    return unlocked.contains(text) ? 0 : 1;
+}
+
 DemoBookingRow rowOf(const SQLQuery& query)
 {
     DemoBookingRow row;
@@ -72,7 +90,7 @@ DemoBookingRow rowOf(const SQLQuery& query)
     row.type = query.value(8).toInt();
     row.flags = query.value(9).toInt();
     row.statusId = keyOf(query.value(10));
-    row.locked = query.value(11).toInt();
+    row.locked = lockOf(query.value(11));
     row.leftColor = colourOf(query.value(12));
     row.rightColor = colourOf(query.value(13));
     row.topColor = colourOf(query.value(14));

@@ -170,6 +170,8 @@ private slots:
     void shouldReadTheRowsOfTheDaysAskedFor_data();
     void shouldReadTheRowsOfTheDaysAskedFor();
     void shouldAnswerARequestWithoutAFirstDay();
+    void shouldReadAStoredLockOfEveryForm_data();
+    void shouldReadAStoredLockOfEveryForm();
     void shouldKeepAStepThatCouldNotBeUndoneForTheNextTry();
     void shouldGiveABookingWithoutColoursAndABlockWithoutAKindPlainOnes();
     void shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges();
@@ -776,6 +778,54 @@ void tst_DemoApp::shouldReadTheRowsOfTheDaysAskedFor()
                 }
     }
     QCOMPARE(days, shownOn.isValid() ? QList<QDate>{shownOn} : QList<QDate>());
+}
+
+// Another program stored the lock of a booking as a number or a word: what clearly means locked reads
+// as locked, what clearly means unlocked as unlocked, and what reads as neither as locked.
+void tst_DemoApp::shouldReadAStoredLockOfEveryForm_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<bool>("locked");
+
+    QTest::newRow("the number 1") << "1" << true;
+    QTest::newRow("the number 0") << "0" << false;
+    QTest::newRow("another number") << "2" << true;
+    QTest::newRow("the text '1 '") << "'1 '" << true;
+    QTest::newRow("the text ' 0'") << "' 0'" << false;
+    QTest::newRow("the text '1.0'") << "'1.0'" << true;
+    QTest::newRow("true") << "'true'" << true;
+    QTest::newRow("TRUE") << "'TRUE'" << true;
+    QTest::newRow("t") << "'t'" << true;
+    QTest::newRow("yes") << "'yes'" << true;
+    QTest::newRow("Y") << "'Y'" << true;
+    QTest::newRow("on") << "'on'" << true;
+    QTest::newRow("false") << "'false'" << false;
+    QTest::newRow("f") << "'f'" << false;
+    QTest::newRow("No") << "'No'" << false;
+    QTest::newRow("off") << "'off'" << false;
+    QTest::newRow("a word that says neither") << "'maybe'" << true;
+    QTest::newRow("an empty text") << "''" << true;
+}
+
+void tst_DemoApp::shouldReadAStoredLockOfEveryForm()
+{
+    QFETCH(QString, stored);
+    QFETCH(bool, locked);
+    QVERIFY(runSql(
+        mFile, QStringLiteral("INSERT INTO demo_booking (id, bk_date, bk_user, bk_start, bk_end, bk_title, "
+                              "bk_locked) VALUES (900005, '2026-11-25', 9, '09:00:00', '09:30:00', "
+                              "'Locked?', %1)")
+                   .arg(stored)));
+    BkCalendarModel model;
+    DemoStore store(&model);
+    store.loadData(Wednesday, Wednesday, BkCalendarResource(9, QStringLiteral("Somebody new"), 0));
+    const std::optional<DemoBookingRow> row = store.readRow(900005);
+    runSql(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = 900005"));
+    BkCalendarItem* item = model.findId(900005);
+    QVERIFY(item);
+    QCOMPARE(item->locked != 0, locked);
+    QVERIFY(row.has_value());
+    QCOMPARE(row->locked != 0, locked);
 }
 
 // A host that asks the model whether a day is loaded, before any read of that key, makes it send its
