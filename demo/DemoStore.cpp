@@ -33,6 +33,32 @@ bool isPostgres()
            QLatin1String("QPSQL");
 }
 
+// PostgreSQL keeps the end of a day as 24:00, which reaches Qt as no time at all: an end column is
+// selected as text there, for endTimeOf to read.
+QString endColumn(const char* column)
+{
+    return isPostgres() ? QStringLiteral("CAST(%1 AS TEXT)").arg(QLatin1String(column))
+                        : QLatin1String(column);
+}
+
+// What a query selects for rowOf: the id, then the fields.
+QString selectedColumns()
+{
+    QStringList columns = columnsOf(true);
+    columns[5] = endColumn("bk_end");
+    return columns.join(QStringLiteral(", "));
+}
+
+// The end of a booking or a plan block. 24:00 ends the day: it is read as the day's last second, as
+// the calendar's own scale ends its day.
+QTime endTimeOf(const QVariant& value)
+{
+    const QString text = value.toString().trimmed();
+    if (text == QLatin1String("24:00") || text.startsWith(QLatin1String("24:00:00")))
+        return QTime(23, 59, 59);
+    return value.toTime();
+}
+
 // SQLite keeps times as text: one fixed form keeps them readable and comparable.
 QVariant timeValue(const QTime& time)
 {
@@ -84,7 +110,7 @@ DemoBookingRow rowOf(const SQLQuery& query)
     row.userId = keyOf(query.value(2));
     row.resourceId = keyOf(query.value(3));
     row.start = query.value(4).toTime();
-    row.end = query.value(5).toTime();
+    row.end = endTimeOf(query.value(5));
     row.title = query.value(6).toString();
     row.text = query.value(7).toString();
     row.type = query.value(8).toInt();
@@ -249,8 +275,7 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
     bookings.prepare(
         QStringLiteral("SELECT %1 FROM demo_booking WHERE %2 = ? AND bk_date >= ? AND bk_date < ? "
                        "ORDER BY bk_date, bk_start, id")
-            .arg(columnsOf(true).join(QStringLiteral(", ")),
-                 user ? QStringLiteral("bk_user") : QStringLiteral("bk_resource")));
+            .arg(selectedColumns(), user ? QStringLiteral("bk_user") : QStringLiteral("bk_resource")));
     bookings.addBindValue(who.id.toInt());
     bookings.addBindValue(first);
     bookings.addBindValue(to.addDays(1));
@@ -276,8 +301,9 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
     }
 
     SQLQuery plans;
-    plans.prepare(QStringLiteral("SELECT pl_date, pl_start, pl_end, pl_bookable, pl_info FROM demo_plan "
-                                 "WHERE pl_type = ? AND pl_key = ? AND pl_date >= ? AND pl_date < ?"));
+    plans.prepare(QStringLiteral("SELECT pl_date, pl_start, %1, pl_bookable, pl_info FROM demo_plan "
+                                 "WHERE pl_type = ? AND pl_key = ? AND pl_date >= ? AND pl_date < ?")
+                      .arg(endColumn("pl_end")));
     plans.addBindValue(user ? 0 : 1);
     plans.addBindValue(who.id.toInt());
     plans.addBindValue(first);
@@ -291,7 +317,7 @@ void DemoStore::loadData(const QDate& from, const QDate& to, const BkCalendarRes
         auto* plan = new BkCalendarPlan;
         plan->date = plans.value(0).toDate();
         plan->start = plans.value(1).toTime();
-        plan->end = plans.value(2).toTime();
+        plan->end = endTimeOf(plans.value(2));
         plan->bookable = plans.value(3).toInt() != 0;
         // A kind that is no number or names no kind counts as none, like an empty one: the block is
         // drawn as one without a kind, where a lookup would find no colour and fill it black.
@@ -349,8 +375,7 @@ bool DemoStore::readStored(int id, std::optional<DemoBookingRow>* row, QString* 
 {
     row->reset();
     SQLQuery query;
-    query.prepare(QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?")
-                      .arg(columnsOf(true).join(QStringLiteral(", "))));
+    query.prepare(QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?").arg(selectedColumns()));
     query.addBindValue(id);
     if (!query.exec()) {
         *error = query.lastError().text();

@@ -40,6 +40,7 @@ private slots:
     void cleanupTestCase();
     void shouldMigrateAndSeedTheServer();
     void shouldLoadSaveCreateDeleteAndUndo();
+    void shouldReadAnEndAtMidnightAsTheEndOfTheDay();
 
 private:
     DemoDatabase mDb;
@@ -120,6 +121,51 @@ void tst_DemoPostgres::shouldLoadSaveCreateDeleteAndUndo()
     window.undoStack()->undo();
     QCOMPARE(window.store()->readRow(id)->title, QStringLiteral("New on the server"));
     QVERIFY(window.calendar()->model()->findId(id));
+}
+
+// The server keeps the end of a day as 24:00. A booking and a plan block that end at midnight are
+// shown up to the end of their day, and a change of another field leaves the stored end as it is.
+void tst_DemoPostgres::shouldReadAnEndAtMidnightAsTheEndOfTheDay()
+{
+    struct Rows
+    {
+        ~Rows()
+        {
+            SQLQuery remove;
+            remove.exec(QStringLiteral("DELETE FROM demo_booking WHERE id = 900010"));
+            remove.exec(QStringLiteral("DELETE FROM demo_plan WHERE id = 900010"));
+        }
+    } rows;
+    SQLQuery insert;
+    QVERIFY(insert.exec(QStringLiteral("INSERT INTO demo_booking (id, bk_date, bk_user, bk_start, bk_end, "
+                                       "bk_title) VALUES (900010, '2026-11-25', 9, '23:00', '24:00', "
+                                       "'Night shift')")));
+    QVERIFY(
+        insert.exec(QStringLiteral("INSERT INTO demo_plan (id, pl_date, pl_type, pl_key, pl_start, pl_end, "
+                                   "pl_bookable, pl_info) VALUES (900010, '2026-11-25', 0, 9, '22:00', "
+                                   "'24:00', 1, 1)")));
+    const BkCalendarResource who(9, QStringLiteral("Somebody new"), 0);
+    BkCalendarModel model;
+    DemoStore store(&model);
+    store.loadData(Wednesday, Wednesday, who);
+
+    BkCalendarItem* item = model.findId(900010);
+    QVERIFY(item);
+    QCOMPARE(item->start(), QTime(23, 0));
+    QCOMPARE(item->end(), QTime(23, 59, 59));
+    const QList<BkCalendarPlan*> plans = model.plans(Wednesday, who);
+    QCOMPARE(plans.size(), 1);
+    QCOMPARE(plans.first()->start, QTime(22, 0));
+    QCOMPARE(plans.first()->end, QTime(23, 59, 59));
+
+    item->setTitle(QStringLiteral("Night shift, renamed"));
+    store.saveItems({item});
+    SQLQuery stored;
+    QVERIFY(stored.exec(
+        QStringLiteral("SELECT bk_title, CAST(bk_end AS TEXT) FROM demo_booking WHERE id = 900010")));
+    QVERIFY(stored.next());
+    QCOMPARE(stored.value(0).toString(), QStringLiteral("Night shift, renamed"));
+    QCOMPARE(stored.value(1).toString(), QStringLiteral("24:00:00"));
 }
 
 FW_TEST_MAIN(tst_DemoPostgres)
