@@ -79,6 +79,7 @@ void checkBoxes(BkCalendar& form, const QSet<BkCalendarItem*>& dragged)
 {
     BkCalendarModel* model = form.model();
     for (BkCalendarColumn* column : form.view()->getColumnList()) {
+        QSet<BkCalendarItem*> shown;
         for (QGraphicsItem* child : column->childItems()) {
             auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
             if (!box || !box->item())
@@ -87,6 +88,11 @@ void checkBoxes(BkCalendar& form, const QSet<BkCalendarItem*>& dragged)
             QCOMPARE(item->model, model);
             QVERIFY(dragged.contains(item) ||
                     model->items(column->date(), column->resource()).contains(item));
+            // One box a booking in a column, dragged or not.
+            QVERIFY2(
+                !shown.contains(item),
+                qPrintable(QStringLiteral("booking %1 has two boxes in one column").arg(item->id.toInt())));
+            shown.insert(item);
         }
     }
 }
