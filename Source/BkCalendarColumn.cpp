@@ -679,13 +679,30 @@ QList<BkCalendarItem*> BkCalendarColumn::getSortedItems() const
 
 BkCalendarItem* BkCalendarColumn::getSelectedItem() const
 {
-    const QList<BkCalendarItem*> items = getItems(true);
-    for (BkCalendarItem* item : items) {
-        // A booking outside the scale's span has no box and cannot be selected.
-        if (item->widget && item->widget->isSelected())
-            return item;
+    for (const BkCalendarItemWidget* box : boxesInOrder(getItems(true))) {
+        if (box->isSelected())
+            return box->item();
     }
     return nullptr;
+}
+
+QList<BkCalendarItemWidget*> BkCalendarColumn::boxesInOrder(const QList<BkCalendarItem*>& items) const
+{
+    // A booking outside the scale's span has no box and takes no part. One that two columns show (its
+    // person's and its room's) has a box in each, and its widget names only the newest: each column
+    // goes by its own.
+    QHash<const BkCalendarItem*, BkCalendarItemWidget*> own;
+    for (QGraphicsItem* child : childItems()) {
+        auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
+        if (box && box->item() && !box->deleting())
+            own.insert(box->item(), box);
+    }
+    QList<BkCalendarItemWidget*> boxes;
+    for (BkCalendarItem* item : items) {
+        if (BkCalendarItemWidget* box = own.value(item))
+            boxes << box;
+    }
+    return boxes;
 }
 
 bool BkCalendarColumn::isChildSelected()
@@ -700,21 +717,10 @@ bool BkCalendarColumn::isChildSelected()
 
 namespace {
 
-// The bookings of a walk: only those with a box take part, so the walk never lands on a booking
-// that the user cannot see.
-QList<BkCalendarItem*> withWidgets(QList<BkCalendarItem*> items)
+int selectedIndex(const QList<BkCalendarItemWidget*>& boxes)
 {
-    for (int i = items.size() - 1; i >= 0; --i) {
-        if (!items.at(i)->widget)
-            items.removeAt(i);
-    }
-    return items;
-}
-
-int selectedIndex(const QList<BkCalendarItem*>& items)
-{
-    for (int i = 0; i < items.size(); ++i) {
-        if (items.at(i)->widget->isSelected())
+    for (int i = 0; i < boxes.size(); ++i) {
+        if (boxes.at(i)->isSelected())
             return i;
     }
     return -1;
@@ -754,22 +760,22 @@ void moveSelection(BkCalendarItemWidget* from, BkCalendarItemWidget* to, bool fo
 
 void BkCalendarColumn::selectNextItem()
 {
-    const QList<BkCalendarItem*> items = withWidgets(getSortedItems());
-    if (items.isEmpty())
+    const QList<BkCalendarItemWidget*> boxes = boxesInOrder(getSortedItems());
+    if (boxes.isEmpty())
         return;
-    const int current = selectedIndex(items);
-    const int target = (current < 0 || current == items.size() - 1) ? 0 : current + 1;
-    moveSelection(current >= 0 ? items.at(current)->widget : nullptr, items.at(target)->widget, true);
+    const int current = selectedIndex(boxes);
+    const int target = (current < 0 || current == boxes.size() - 1) ? 0 : current + 1;
+    moveSelection(current >= 0 ? boxes.at(current) : nullptr, boxes.at(target), true);
 }
 
 void BkCalendarColumn::selectPreviousItem()
 {
-    const QList<BkCalendarItem*> items = withWidgets(getSortedItems());
-    if (items.isEmpty())
+    const QList<BkCalendarItemWidget*> boxes = boxesInOrder(getSortedItems());
+    if (boxes.isEmpty())
         return;
-    const int current = selectedIndex(items);
-    const int target = (current <= 0) ? items.size() - 1 : current - 1;
-    moveSelection(current >= 0 ? items.at(current)->widget : nullptr, items.at(target)->widget, false);
+    const int current = selectedIndex(boxes);
+    const int target = (current <= 0) ? boxes.size() - 1 : current - 1;
+    moveSelection(current >= 0 ? boxes.at(current) : nullptr, boxes.at(target), false);
 }
 
 // The state of one layout run, shared with the runs nested in it. Its answers are the column's kept
@@ -909,17 +915,6 @@ BkCalendarPlan* BkCalendarColumn::planAt(QTime start, QTime end)
 }
 
 namespace {
-
-// The live box of a booking among a column's children, if it has one there.
-BkCalendarItemWidget* boxOf(const QGraphicsItem* column, const BkCalendarItem* item)
-{
-    for (QGraphicsItem* child : column->childItems()) {
-        auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
-        if (box && box->item() == item && !box->deleting())
-            return box;
-    }
-    return nullptr;
-}
 
 const char CalItemFormat[] = "text/calitem";
 const char TreeRowFormat[] = "application/x-fwtreewidget";
@@ -1080,10 +1075,16 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
     if (!allowBooking(s, e))
         return false;
 
+    // A booking of a person and a room stands in both of their columns of a group, and its widget
+    // names the newest of its boxes. Brought into one of them, it moves by the box that it has there:
+    // a second box would stand beside it, and the other column would lose its own.
     BkCalendarItemWidget* widget = item->widget;
+    const QPointer<BkCalendarItemWidget> own(widget && widget->parentItem() == this
+                                                 ? widget
+                                                 : boxesInOrder(QList<BkCalendarItem*>{item}).value(0));
     if (!widget) {
         // A booking from the move list, or one outside the scale's span, gets its box here.
-        widget = makeWidget(item);
+        widget = own ? own.data() : makeWidget(item);
     }
     // Selecting this column tells of its date, and the new time goes out as a change of the
     // booking: whoever answers either may take the booking away, which lets go of its box.
@@ -1095,11 +1096,10 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
             return false;
         if (QGraphicsItem* old = widget->parentItem())
             old->setSelected(false);
-        // A booking of a person and a room stands in both of their columns of a group. Brought into
-        // one of them, it moves by the box that it has there, and the other column keeps its own.
-        if (BkCalendarItemWidget* own = boxOf(this, item)) {
-            widget = own;
+        if (own) {
             box = own;
+            if (gone())
+                return false;
         } else {
             // The box rewires itself to this column's width in its itemChange.
             widget->setParentItem(this);

@@ -169,6 +169,8 @@ private:
     bool showsSomething() const;
     void placeGrip();
     BkCalendarItemWidget* makeWidget(BkCalendarItem* item);
+    // This column's boxes of the bookings that have one here, in the bookings' order.
+    QList<BkCalendarItemWidget*> boxesInOrder(const QList<BkCalendarItem*>& items) const;
 
     QRectF mRect;
     // Not owned; the host may delete the model first, and then it reads as none.

@@ -47,6 +47,17 @@ inline QTime t(int h, int m, int s = 0)
     return QTime(h, m, s);
 }
 
+// The boxes that a booking has in a column: one at most, also where two columns show the booking.
+inline QList<BkCalendarItemWidget*> boxesOf(const BkCalendarColumn* column, const BkCalendarItem* item)
+{
+    QList<BkCalendarItemWidget*> boxes;
+    for (QGraphicsItem* child : column->childItems())
+        if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
+            if (box->item() == item)
+                boxes << box;
+    return boxes;
+}
+
 // A mouse event at a scene position, delivered to a view's viewport as the window system would.
 inline void sendMouse(QGraphicsView* view, QEvent::Type type, const QPointF& scenePos, Qt::MouseButton button,
                       Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers = Qt::NoModifier)

@@ -1,6 +1,7 @@
 // The day column: its structure, sizes, children, item access, selection walks and the mouse on its
 // own area.
 
+#include "BkBookingScene.h"
 #include "BkColumnFixture.h"
 
 #include <FwTestApplication.h>
@@ -85,6 +86,7 @@ private slots:
     void shouldTellWhetherChildIsSelected();
     void shouldWalkForwardThroughSortedItems();
     void shouldWalkBackwardThroughSortedItems();
+    void shouldWalkThroughItsOwnBoxesOfBookingsThatTwoColumnsShow();
     void shouldNotWalkWhenOnlyReservedItems();
     void shouldKeepBoxlessItemsOutOfWalks();
     void shouldEndWalkWhenHostReloadsAtSelectionChange_data();
@@ -777,6 +779,47 @@ void tst_BkCalendarColumn::shouldWalkForwardThroughSortedItems()
     fixture.column->selectNextItem(); // from the last, round to the first
     QVERIFY(early->widget->isSelected());
     QVERIFY(!late->widget->isSelected());
+}
+
+void tst_BkCalendarColumn::shouldWalkThroughItsOwnBoxesOfBookingsThatTwoColumnsShow()
+{
+    // In a group of a person and a room, their booking stands in both columns, and the booking names
+    // the newest of its boxes, the room's. A walk through the person's column stays in that column.
+    BkTest::BookingScene s;
+    const QDate day(2024, 3, 11);
+    const BkCalendarResource anna(QVariant(17), QStringLiteral("Anna"), 0);
+    const BkCalendarResource room(QVariant(5), QStringLiteral("Room 5"), 1);
+    BkCalendarItem* shared = s.addItem(1, day, anna.id, room.id, QTime(9, 0), QTime(10, 0));
+    BkCalendarItem* own = s.addItem(2, day, anna.id, QVariant(), QTime(11, 0), QTime(12, 0));
+    BkCalendarColumn* annas = s.addColumn(day, anna);
+    BkCalendarColumn* rooms = s.addColumn(day, room);
+    s.show();
+    QVERIFY(QTest::qWaitForWindowActive(&s.view));
+    BkCalendarItemWidget* annasShared = BkTest::boxesOf(annas, shared).value(0);
+    BkCalendarItemWidget* roomsShared = BkTest::boxesOf(rooms, shared).value(0);
+    QVERIFY(annasShared && roomsShared);
+    QCOMPARE(shared->widget, roomsShared);
+
+    annas->selectNextItem();
+    QVERIFY(annasShared->isSelected());
+    QVERIFY(annasShared->hasFocus());
+    QVERIFY(!roomsShared->isSelected());
+    QCOMPARE(annas->getSelectedItem(), shared);
+    QCOMPARE(rooms->getSelectedItem(), nullptr);
+    annas->selectNextItem();
+    QVERIFY(!annasShared->isSelected());
+    QVERIFY(own->widget->isSelected());
+    QCOMPARE(annas->getSelectedItem(), own);
+    annas->selectPreviousItem();
+    QVERIFY(annasShared->isSelected());
+    QVERIFY(!own->widget->isSelected());
+    QVERIFY(!roomsShared->isSelected());
+
+    // The room's column walks through its own box of the booking.
+    rooms->selectNextItem();
+    QVERIFY(roomsShared->isSelected());
+    QVERIFY(roomsShared->hasFocus());
+    QCOMPARE(rooms->getSelectedItem(), shared);
 }
 
 void tst_BkCalendarColumn::shouldWalkBackwardThroughSortedItems()
