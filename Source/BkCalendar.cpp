@@ -724,16 +724,21 @@ void BkCalendar::moveFromList()
     // The host hears the move and the selection below and may change the list or the bookings in
     // its slots: the row is followed through the list's model, the booking through its id.
     const QPersistentModelIndex rowIndex(mMoveList->model()->index(last, 0));
-    BkCalendarColumn* column = mUi->cal->getSelectedColumn();
+    const QPointer<BkCalendarColumn> column(mUi->cal->getSelectedColumn());
     if (!column || !column->tryToMoveItem(item, item->start()))
         return;
     item->commit(false);
     QGraphicsScene* scene = mUi->cal->scene();
     scene->clearFocus();
     scene->clearSelection();
-    if (mModel->findId(id) == item && item->widget) {
-        item->widget->setFocus(Qt::OtherFocusReason);
-        item->widget->setSelected(true);
+    // The box in the column the booking came to: a booking that two columns show has one in each.
+    if (mModel->findId(id) == item && column) {
+        if (BkCalendarItemWidget* box = column->boxOf(item)) {
+            const QPointer<BkCalendarItemWidget> held(box);
+            box->setFocus(Qt::OtherFocusReason);
+            if (held && held->item() == item)
+                held->setSelected(true);
+        }
     }
     delete mMoveList->item(rowIndex);
 }

@@ -686,6 +686,20 @@ BkCalendarItem* BkCalendarColumn::getSelectedItem() const
     return nullptr;
 }
 
+BkCalendarItemWidget* BkCalendarColumn::boxOf(const BkCalendarItem* item) const
+{
+    if (!item)
+        return nullptr;
+    if (item->widget && item->widget->parentItem() == this && !item->widget->deleting())
+        return item->widget;
+    for (QGraphicsItem* child : childItems()) {
+        auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
+        if (box && box->item() == item && !box->deleting())
+            return box;
+    }
+    return nullptr;
+}
+
 QList<BkCalendarItemWidget*> BkCalendarColumn::boxesInOrder(const QList<BkCalendarItem*>& items) const
 {
     // A booking outside the scale's span has no box and takes no part. One that two columns show (its
@@ -1079,9 +1093,7 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
     // names the newest of its boxes. Brought into one of them, it moves by the box that it has there:
     // a second box would stand beside it, and the other column would lose its own.
     BkCalendarItemWidget* widget = item->widget;
-    const QPointer<BkCalendarItemWidget> own(widget && widget->parentItem() == this
-                                                 ? widget
-                                                 : boxesInOrder(QList<BkCalendarItem*>{item}).value(0));
+    const QPointer<BkCalendarItemWidget> own(boxOf(item));
     if (!widget) {
         // A booking from the move list, or one outside the scale's span, gets its box here.
         widget = own ? own.data() : makeWidget(item);

@@ -74,6 +74,9 @@ public:
     QList<BkCalendarItem*> getItems(bool excludeReserved) const;
     QList<BkCalendarItem*> getSortedItems() const;
     BkCalendarItem* getSelectedItem() const;
+    // The box of a booking in this column, or null. A booking that two columns show (its person's and
+    // its room's) has a box in each, and its `widget` names only the newest.
+    BkCalendarItemWidget* boxOf(const BkCalendarItem* item) const;
     void selectNextItem();
     void selectPreviousItem();
     bool isChildSelected();

@@ -14,9 +14,11 @@
 #include <FwApplication.h>
 #include <FwTreeWidget.h>
 
+#include "BkBookingScene.h"
 #include <QDataStream>
 #include <QDockWidget>
 #include <QDrag>
+
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTimer>
@@ -99,6 +101,7 @@ private slots:
     void shouldNotAdvanceOnCtrlXWithoutABooking();
     void shouldAdvanceOnCtrlXOfAParkedBooking();
     void shouldTakeOffWithCtrlV();
+    void shouldSelectTheColumnsOwnBoxOfABookingThatTwoColumnsShow();
     void shouldParkADroppedBooking();
     void shouldIgnoreForeignDrops_data();
     void shouldIgnoreForeignDrops();
@@ -384,6 +387,50 @@ void tst_BkCalendarMoveList::shouldTakeOffWithCtrlV()
     QTest::keyClick(&w.form, Qt::Key_V, Qt::ControlModifier);
     QCOMPARE(w.rows(), 0);
     QCOMPARE(item->date(), Monday.addDays(1));
+}
+
+void tst_BkCalendarMoveList::shouldSelectTheColumnsOwnBoxOfABookingThatTwoColumnsShow()
+{
+    // In a group of a person and a room, their booking stands in both columns; the booking names only
+    // the newest of its boxes. Taken off into the other column, that column's own box is selected.
+    BkCalendar form;
+    const BkCalendarResource room(7, QStringLiteral("Room 7"), 1);
+    for (const BkCalendarResource& who : {Anna, room}) {
+        auto* plan = new BkCalendarPlan;
+        plan->date = Wednesday;
+        plan->resource = who;
+        plan->start = QTime(7, 0);
+        plan->end = QTime(19, 0);
+        plan->bookable = true;
+        form.model()->addItem(plan);
+    }
+    BkCalendarItem* item =
+        addBooking(form.model(), 1, Wednesday, QTime(8, 0), QTime(9, 0), QStringLiteral("both"));
+    item->setResourceId(room.id);
+    item->commit(true);
+    form.setDate(Wednesday);
+    form.setResourceList({Anna, room});
+    form.showGroup();
+    form.show();
+    QVERIFY(QTest::qWaitForWindowActive(&form));
+    const QList<BkCalendarColumn*> columns = form.view()->getColumnList();
+    QVERIFY(columns.size() >= 2);
+    QVERIFY(item->widget);
+    BkCalendarColumn* other = item->widget->parentItem() == columns.at(0) ? columns.at(1) : columns.at(0);
+    const QList<BkCalendarItemWidget*> own = BkTest::boxesOf(other, item);
+    QCOMPARE(own.size(), 1);
+    BkCalendarItemWidget* newest = item->widget;
+
+    form.addToMoveList(item);
+    form.view()->scene()->clearSelection();
+    other->setSelected(true);
+    QTest::keyClick(&form, Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(form.moveList()->topLevelItemCount(), 0);
+    QCOMPARE(BkTest::boxesOf(other, item), own);
+    QVERIFY(own.first()->isSelected());
+    QVERIFY(own.first()->hasFocus());
+    QVERIFY(!newest->isSelected());
+    QCOMPARE(form.selectedItem(), item);
 }
 
 void tst_BkCalendarMoveList::shouldParkADroppedBooking()
