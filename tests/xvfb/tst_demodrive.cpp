@@ -57,7 +57,7 @@ QString storedStart(const QString& file, int id)
 // The demo on a fresh practice database, its day view of Wednesday on the screen at the top left.
 struct DemoDay
 {
-    bool open()
+    bool open(DemoWindow::View shown = DemoWindow::Day)
     {
         BkCalendarClock::setFixedNow(QDateTime(Wednesday, QTime(10, 0)));
         for (const char* key : {"demo/geometry", "demo/state", "demo/view"})
@@ -72,7 +72,7 @@ struct DemoDay
             return false;
         }
         window.emplace(1);
-        window->showView(DemoWindow::Day);
+        window->showView(shown);
         window->calendar()->setDate(Wednesday);
         window->move(0, 0);
         window->show();
@@ -90,6 +90,17 @@ struct DemoDay
     DemoDatabase db;
     std::optional<DemoWindow> window;
 };
+
+// The boxes that a booking has in a column.
+QList<BkCalendarItemWidget*> boxesOf(BkCalendarColumn* column, BkCalendarItem* item)
+{
+    QList<BkCalendarItemWidget*> boxes;
+    for (QGraphicsItem* child : column->childItems())
+        if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
+            if (box->item() == item && box->isVisible())
+                boxes << box;
+    return boxes;
+}
 
 // A free spot of the day column, in a block that is open or closed as `open` says, between `from`
 // and `to`, on the screen. The spot is scrolled into view first; null when none is free.
@@ -151,13 +162,14 @@ class tst_DemoDrive : public QObject
 private slots:
     void shouldDragABookingWithTheRealPointer();
     void shouldOfferThePlanMenuWithTheRealPointer();
+    void shouldDragABookingOfAPersonAndARoomAcrossTheGroupWithTheRealPointer();
 };
 
 void tst_DemoDrive::shouldDragABookingWithTheRealPointer()
 {
     QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb"));
     DemoDay demo;
-    QVERIFY(demo.open());
+    QVERIFY(demo.open(DemoWindow::Day));
     const QString file = demo.file;
 
     // A plain booking of the morning that can go half an hour later inside the plan.
@@ -266,6 +278,96 @@ void tst_DemoDrive::shouldOfferThePlanMenuWithTheRealPointer()
     QTest::qWait(300);
     QCOMPARE(menus, 1);
     QCOMPARE(offered.count(), 2);
+}
+
+// In the group, a booking of a person and a room stands in both of their columns. Dragged with the
+// real pointer out of the room's column into the person's, to another time, it keeps one box in each
+// column, and the save writes the new time.
+void tst_DemoDrive::shouldDragABookingOfAPersonAndARoomAcrossTheGroupWithTheRealPointer()
+{
+    DemoDay demo;
+    QVERIFY(demo.open(DemoWindow::Group));
+    BkCalendarView* view = demo.view();
+    const QList<BkCalendarColumn*> columns = view->getColumnList();
+
+    BkCalendarItem* item = nullptr;
+    BkCalendarColumn* person = nullptr;
+    BkCalendarColumn* room = nullptr;
+    QTime later;
+    for (BkCalendarColumn* roomColumn : columns) {
+        if (item || roomColumn->resource().type != 1)
+            continue;
+        for (BkCalendarItem* candidate : roomColumn->getItems(true)) {
+            if (item || candidate->userId().isNull() || boxesOf(roomColumn, candidate).size() != 1)
+                continue;
+            for (BkCalendarColumn* personColumn : columns) {
+                if (item || personColumn->resource().type != 0 ||
+                    personColumn->resource().id != candidate->userId() ||
+                    boxesOf(personColumn, candidate).size() != 1)
+                    continue;
+                // A time that the person's schedule allows and where the room is free, so that no
+                // question about a double booking comes.
+                for (int minutes : {30, -30, 60, -60, 90, -90, 120, -120}) {
+                    const QTime to = candidate->start().addSecs(minutes * 60);
+                    const QTime end = to.addSecs(candidate->start().secsTo(candidate->end()));
+                    bool roomFree = true;
+                    for (BkCalendarItem* other :
+                         demo.window->calendar()->model()->items(candidate->date(), roomColumn->resource()))
+                        roomFree =
+                            roomFree && (other == candidate || other->end() <= to || end <= other->start());
+                    if (!item && roomFree && to.isValid() && personColumn->allowBooking(to, end)) {
+                        item = candidate;
+                        person = personColumn;
+                        room = roomColumn;
+                        later = to;
+                    }
+                }
+            }
+        }
+    }
+    QVERIFY2(item, "the demo's group shows a booking of a person and a room that can move");
+    // The demo's shared bookings are locked; the user unlocks this one first, as in its dialog.
+    item->locked = false;
+    const int id = item->id.toInt();
+    BkCalendarItemWidget* roomsBox = boxesOf(room, item).first();
+    BkCalendarItemWidget* personsBox = boxesOf(person, item).first();
+
+    // Grabbed near the top of the room's box, taken sideways out of it, which starts the drag, and let
+    // go in the person's column at the new time: a drop moves the booking to the time under the pointer.
+    view->ensureVisible(roomsBox->sceneBoundingRect());
+    QCoreApplication::processEvents();
+    const QPointF grabScene = roomsBox->sceneBoundingRect().topLeft() + QPointF(20.0, 6.0);
+    const QPointF dropScene = person->mapToScene(view->timeScale()->pointAt(40.0, later)) + QPointF(0.0, 1.0);
+    const QPoint grab = view->viewport()->mapToGlobal(view->mapFromScene(grabScene));
+    const QPoint drop = view->viewport()->mapToGlobal(view->mapFromScene(dropScene));
+    QVERIFY(view->viewport()->rect().contains(view->mapFromScene(dropScene)));
+    QProcess xdotool;
+    QStringList steps{QStringLiteral("mousemove"), QString::number(grab.x()), QString::number(grab.y()),
+                      QStringLiteral("sleep"),     QStringLiteral("0.2"),     QStringLiteral("mousedown"),
+                      QStringLiteral("1"),         QStringLiteral("sleep"),   QStringLiteral("0.2")};
+    // Out of the box sideways, then over to the drop in a few steps, as a hand moves.
+    for (int i = 1; i <= 6; ++i) {
+        const QPoint at = grab + (drop - grab) * i / 6;
+        steps << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
+              << QStringLiteral("sleep") << QStringLiteral("0.2");
+    }
+    steps << QStringLiteral("mouseup") << QStringLiteral("1") << QStringLiteral("sleep")
+          << QStringLiteral("0.3");
+    xdotool.start(QStringLiteral("xdotool"), steps);
+    QVERIFY(xdotool.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(xdotool.state() == QProcess::NotRunning, 30000);
+    QCOMPARE(xdotool.exitCode(), 0);
+
+    QTRY_COMPARE_WITH_TIMEOUT(QTime(item->start().hour(), item->start().minute()), later, 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(storedStart(demo.file, id).startsWith(later.toString(QStringLiteral("HH:mm"))),
+                             20000);
+    QCOMPARE(boxesOf(person, item), QList<BkCalendarItemWidget*>() << personsBox);
+    QCOMPARE(boxesOf(room, item), QList<BkCalendarItemWidget*>() << roomsBox);
+    QCOMPARE(personsBox->sceneBoundingRect().top(), roomsBox->sceneBoundingRect().top());
+
+    const QString shot =
+        QDir(QStringLiteral(QT_TESTCASE_BUILDDIR)).filePath(QStringLiteral("demo-drive-group.png"));
+    QVERIFY(QGuiApplication::primaryScreen()->grabWindow(0).save(shot));
 }
 
 FW_TEST_MAIN(tst_DemoDrive)
