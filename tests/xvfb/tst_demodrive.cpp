@@ -4,6 +4,7 @@
 //
 // Runs under scripts/with-xvfb.sh, which starts the server.
 
+#include "BkBookingScene.h"
 #include "FwTestApplication.h"
 
 #include <BkCalendar.h>
@@ -54,7 +55,8 @@ QString storedStart(const QString& file, int id)
     return start;
 }
 
-// The demo on a fresh practice database, its day view of Wednesday on the screen at the top left.
+// The demo on a fresh practice database, Wednesday in its day view (or the one asked for) on the screen
+// at the top left.
 struct DemoDay
 {
     bool open(DemoWindow::View shown = DemoWindow::Day)
@@ -90,17 +92,6 @@ struct DemoDay
     DemoDatabase db;
     std::optional<DemoWindow> window;
 };
-
-// The boxes that a booking has in a column.
-QList<BkCalendarItemWidget*> boxesOf(BkCalendarColumn* column, BkCalendarItem* item)
-{
-    QList<BkCalendarItemWidget*> boxes;
-    for (QGraphicsItem* child : column->childItems())
-        if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
-            if (box->item() == item && box->isVisible())
-                boxes << box;
-    return boxes;
-}
 
 // A free spot of the day column, in a block that is open or closed as `open` says, between `from`
 // and `to`, on the screen. The spot is scrolled into view first; null when none is free.
@@ -298,12 +289,12 @@ void tst_DemoDrive::shouldDragABookingOfAPersonAndARoomAcrossTheGroupWithTheReal
         if (item || roomColumn->resource().type != 1)
             continue;
         for (BkCalendarItem* candidate : roomColumn->getItems(true)) {
-            if (item || candidate->userId().isNull() || boxesOf(roomColumn, candidate).size() != 1)
+            if (item || candidate->userId().isNull() || BkTest::boxesOf(roomColumn, candidate).size() != 1)
                 continue;
             for (BkCalendarColumn* personColumn : columns) {
                 if (item || personColumn->resource().type != 0 ||
                     personColumn->resource().id != candidate->userId() ||
-                    boxesOf(personColumn, candidate).size() != 1)
+                    BkTest::boxesOf(personColumn, candidate).size() != 1)
                     continue;
                 // A time that the person's schedule allows and where the room is free, so that no
                 // question about a double booking comes.
@@ -329,8 +320,8 @@ void tst_DemoDrive::shouldDragABookingOfAPersonAndARoomAcrossTheGroupWithTheReal
     // The demo's shared bookings are locked; the user unlocks this one first, as in its dialog.
     item->locked = false;
     const int id = item->id.toInt();
-    BkCalendarItemWidget* roomsBox = boxesOf(room, item).first();
-    BkCalendarItemWidget* personsBox = boxesOf(person, item).first();
+    BkCalendarItemWidget* roomsBox = BkTest::boxesOf(room, item).first();
+    BkCalendarItemWidget* personsBox = BkTest::boxesOf(person, item).first();
 
     // Grabbed near the top of the room's box, taken sideways out of it, which starts the drag, and let
     // go in the person's column at the new time: a drop moves the booking to the time under the pointer.
@@ -361,8 +352,8 @@ void tst_DemoDrive::shouldDragABookingOfAPersonAndARoomAcrossTheGroupWithTheReal
     QTRY_COMPARE_WITH_TIMEOUT(QTime(item->start().hour(), item->start().minute()), later, 10000);
     QTRY_VERIFY_WITH_TIMEOUT(storedStart(demo.file, id).startsWith(later.toString(QStringLiteral("HH:mm"))),
                              20000);
-    QCOMPARE(boxesOf(person, item), QList<BkCalendarItemWidget*>() << personsBox);
-    QCOMPARE(boxesOf(room, item), QList<BkCalendarItemWidget*>() << roomsBox);
+    QCOMPARE(BkTest::boxesOf(person, item), QList<BkCalendarItemWidget*>() << personsBox);
+    QCOMPARE(BkTest::boxesOf(room, item), QList<BkCalendarItemWidget*>() << roomsBox);
     QCOMPARE(personsBox->sceneBoundingRect().top(), roomsBox->sceneBoundingRect().top());
 
     const QString shot =
