@@ -597,14 +597,19 @@ void tst_BkCalendarColumn::shouldMakeNoBoxForABookingTheHostTookAwayAsItCame()
     QObject::connect(&fixture.model, &BkCalendarModel::itemAdded, fixture.column,
                      &BkCalendarColumn::itemAdded);
 
+    // A booking of the column's day and user, with the title that tells the host what to do.
+    const auto add = [&fixture](int id, const QString& title, QTime start, QTime end) {
+        auto* item = new BkCalendarItem();
+        item->id = id;
+        item->setTitle(title);
+        item->setDate(fixture.date);
+        item->setUserId(fixture.resource.id);
+        item->setTime(start, end);
+        fixture.model.addItem(item);
+        return item;
+    };
     BkCalendarItem* kept = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
-    auto* filtered = new BkCalendarItem();
-    filtered->id = 2;
-    filtered->setTitle(QStringLiteral("filtered"));
-    filtered->setDate(fixture.date);
-    filtered->setUserId(fixture.resource.id);
-    filtered->setTime(QTime(9, 30), QTime(10, 30));
-    fixture.model.addItem(filtered);
+    BkCalendarItem* filtered = add(2, QStringLiteral("filtered"), QTime(9, 30), QTime(10, 30));
     QCOMPARE(takenAway.size(), 1);
     QVERIFY(!filtered->widget);
     QCOMPARE(fixture.widgets().size(), 1);
@@ -613,13 +618,7 @@ void tst_BkCalendarColumn::shouldMakeNoBoxForABookingTheHostTookAwayAsItCame()
     QCOMPARE(fixture.widgets().first()->boundingRect().width(), kept->widget->boundingRect().width());
     QCOMPARE(kept->widget->colCount(), 1);
 
-    auto* again = new BkCalendarItem();
-    again->id = 3;
-    again->setTitle(QStringLiteral("again"));
-    again->setDate(fixture.date);
-    again->setUserId(fixture.resource.id);
-    again->setTime(QTime(11, 0), QTime(12, 0));
-    fixture.model.addItem(again);
+    BkCalendarItem* again = add(3, QStringLiteral("again"), QTime(11, 0), QTime(12, 0));
     QCOMPARE(fixture.widgets().size(), 2);
     QVERIFY(again->widget);
     QCOMPARE(again->widget->item(), again);
