@@ -21,6 +21,7 @@
 #include <FwToolBar.h>
 
 #include <QAction>
+#include <QActionGroup>
 #include <QCalendarWidget>
 #include <QCloseEvent>
 #include <QMenu>
@@ -144,6 +145,9 @@ void DemoWindow::setupActions()
     auto* jump = new QAction(tr("Go to…"), this);
     jump->setShortcut(QKeySequence(tr("Ctrl+G")));
     connect(jump, &QAction::triggered, mCalendar, &BkCalendar::jumpTo);
+    // The calendar's own buttons, menu entries and keys switch the view too; the new view shows the
+    // selected day, as after the demo's own switches, and not the first day of the week before.
+    connect(mCalendar->showActions(), &QActionGroup::triggered, this, &DemoWindow::showSelectedDay);
 
     auto* navigation = addToolBar(tr("Navigation"));
     navigation->setObjectName(QStringLiteral("NavigationToolBar"));
@@ -317,6 +321,11 @@ void DemoWindow::showView(View view)
         mCalendar->showGroup();
         break;
     }
+    showSelectedDay();
+}
+
+void DemoWindow::showSelectedDay()
+{
     // The days of a new view start from the date on show; the week views anchor on the week.
     mCalendar->setDate(mCalendar->view()->selectedDate());
 }

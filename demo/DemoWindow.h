@@ -81,6 +81,7 @@ private:
     void restoreLayout();
     void saveLayout();
     void newBookingAt(const BkCalendarPlan* plan, QTime time);
+    void showSelectedDay();
 
     BkCalendar* mCalendar = nullptr;
     DemoStore* mStore = nullptr;

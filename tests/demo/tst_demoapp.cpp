@@ -177,6 +177,7 @@ private slots:
     void shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges();
     void shouldRefuseANewerSchema();
     void shouldReadOnlyWellFormedGroupEntries();
+    void shouldShowTheSelectedDayWhenTheCalendarsOwnButtonsSwitchTheView();
     void shouldWriteAScreenshotOfTheExpectedSize();
 
 private:
@@ -1010,6 +1011,42 @@ void tst_DemoApp::shouldReadOnlyWellFormedGroupEntries()
     QCOMPARE(names, (QStringList{QStringLiteral("Eva Fors"), QStringLiteral("Ultrasound"),
                                  QStringLiteral("Double click to add")}));
     QVERIFY(group.last().id.isNull());
+}
+
+// The calendar's own buttons, menu entries and keys switch the view as the demo's do: the new view shows
+// the day that is selected, also when the week views show it in a week that starts earlier.
+void tst_DemoApp::shouldShowTheSelectedDayWhenTheCalendarsOwnButtonsSwitchTheView()
+{
+    FwApplication::app()->setValue(QStringLiteral("1:0,2:0"), QStringLiteral("usr_bookinggrouplist"),
+                                   QStringLiteral("tbl_user"));
+    DemoWindow window(1);
+    window.showView(DemoWindow::FiveDays);
+    window.calendar()->setDate(Wednesday);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    BkCalendarView* view = window.calendar()->view();
+    const QDate monday = Wednesday.addDays(-2);
+    QCOMPARE(view->date(), monday);
+    QCOMPARE(view->selectedDate(), Wednesday);
+
+    window.calendar()->action1Day()->trigger();
+    QCOMPARE(view->getColumnList().size(), 1);
+    QCOMPARE(view->getColumnList().first()->date(), Wednesday);
+    QCOMPARE(view->selectedDate(), Wednesday);
+
+    window.calendar()->action7Day()->trigger();
+    QCOMPARE(view->date(), monday);
+    QCOMPARE(view->selectedDate(), Wednesday);
+
+    window.calendar()->actionGroup()->trigger();
+    BkCalendarColumn* anna = columnOf(window.calendar(), Anna);
+    QVERIFY(anna);
+    QCOMPARE(anna->date(), Wednesday);
+
+    window.calendar()->action5Day()->trigger();
+    QCOMPARE(view->date(), monday);
+    QCOMPARE(view->selectedDate(), Wednesday);
+    QCOMPARE(window.currentView(), DemoWindow::FiveDays);
 }
 
 void tst_DemoApp::shouldWriteAScreenshotOfTheExpectedSize()
