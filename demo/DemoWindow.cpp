@@ -26,6 +26,7 @@
 #include <QCloseEvent>
 #include <QMenu>
 #include <QStyle>
+#include <QTimer>
 #include <QToolBar>
 #include <QUndoStack>
 
@@ -96,10 +97,19 @@ DemoWindow::DemoWindow(const QVariant& userId, QWidget* parent)
     // The group chosen here or on the calendar's headers, and the settings: a write that the database
     // refuses counts for this session only, and the user must hear of it.
     connect(FwApplication::app(), &FwApplication::settingNotStored, this, &DemoWindow::settingNotStored);
-    connect(mCalendar, &BkCalendar::itemActivated, this, &DemoWindow::itemActivated);
-    connect(mCalendar, &BkCalendar::planActivated, this, &DemoWindow::planActivated);
-    connect(mCalendar, &BkCalendar::itemContextMenu, this, &DemoWindow::itemContextMenu);
-    connect(mCalendar, &BkCalendar::planContextMenu, this, &DemoWindow::planContextMenu);
+    // A column that the user picked anew on a header of the group reports each gesture once more for
+    // every pick. The copies come straight after the first answer: one gesture opens one dialog or
+    // menu, and makes one booking.
+    connect(mCalendar, &BkCalendar::itemActivated, this,
+            [this](BkCalendarItem* item) { answerOnce([&]() { itemActivated(item); }); });
+    connect(mCalendar, &BkCalendar::planActivated, this,
+            [this](BkCalendarPlan* plan, QTime time) { answerOnce([&]() { planActivated(plan, time); }); });
+    connect(mCalendar, &BkCalendar::itemContextMenu, this,
+            [this](QPoint pos, BkCalendarItem* item) { answerOnce([&]() { itemContextMenu(pos, item); }); });
+    connect(mCalendar, &BkCalendar::planContextMenu, this,
+            [this](QPoint pos, BkCalendarPlan* plan, QTime time) {
+                answerOnce([&]() { planContextMenu(pos, plan, time); });
+            });
 
     const BkCalendarResource me(userId.toInt(),
                                 mStore->nameOf(BkCalendarResource(userId.toInt(), QString(), 0)), 0);
@@ -445,6 +455,16 @@ void DemoWindow::itemActivated(BkCalendarItem* item)
     BookingDialog dialog(DemoBookingRow::fromItem(item), mStore->statuses(), this);
     if (dialog.exec() == QDialog::Accepted && mCalendar->model()->findId(item->id) == item)
         editBooking(item, dialog.row());
+}
+
+void DemoWindow::answerOnce(const std::function<void()>& answer)
+{
+    if (mAnswering)
+        return;
+    mAnswering = true;
+    answer();
+    // The next gesture comes through the event loop, after the copies of this one.
+    QTimer::singleShot(0, this, [this]() { mAnswering = false; });
 }
 
 void DemoWindow::newBookingAt(const BkCalendarPlan* plan, QTime time)

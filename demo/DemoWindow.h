@@ -11,6 +11,8 @@
 #include <QPoint>
 #include <QTime>
 
+#include <functional>
+
 class BkCalendar;
 class BkCalendarItem;
 class BkCalendarPlan;
@@ -82,10 +84,13 @@ private:
     void saveLayout();
     void newBookingAt(const BkCalendarPlan* plan, QTime time);
     void showSelectedDay();
+    // Runs `answer` for a gesture of the calendar, unless it answered this gesture already.
+    void answerOnce(const std::function<void()>& answer);
 
     BkCalendar* mCalendar = nullptr;
     DemoStore* mStore = nullptr;
     QUndoStack* mUndo = nullptr;
+    bool mAnswering = false;
 };
 
 #endif // DEMOWINDOW_H

@@ -14,8 +14,10 @@
 #include <BkCalendarModel.h>
 #include <BkCalendarRecords.h>
 #include <BkCalendarTimeScale.h>
+#include <BkCalendarUserList.h>
 #include <BkCalendarView.h>
 
+#include <BookingDialog.h>
 #include <DemoDatabase.h>
 #include <DemoStore.h>
 #include <DemoWindow.h>
@@ -35,6 +37,8 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
+#include <QTimer>
+#include <QTreeWidget>
 #include <QUndoStack>
 
 namespace {
@@ -178,6 +182,7 @@ private slots:
     void shouldRefuseANewerSchema();
     void shouldReadOnlyWellFormedGroupEntries();
     void shouldShowTheSelectedDayWhenTheCalendarsOwnButtonsSwitchTheView();
+    void shouldAnswerAGestureOnceInAColumnPickedAgainOnItsHeader();
     void shouldWriteAScreenshotOfTheExpectedSize();
 
 private:
@@ -1047,6 +1052,80 @@ void tst_DemoApp::shouldShowTheSelectedDayWhenTheCalendarsOwnButtonsSwitchTheVie
     QCOMPARE(view->date(), monday);
     QCOMPARE(view->selectedDate(), Wednesday);
     QCOMPARE(window.currentView(), DemoWindow::FiveDays);
+}
+
+// A column that the user picked anew on its header reports each gesture once more for every pick. One
+// double-click on a booking there opens its dialog once, and one on a free time makes one booking.
+void tst_DemoApp::shouldAnswerAGestureOnceInAColumnPickedAgainOnItsHeader()
+{
+    FwApplication::app()->setValue(QStringLiteral("1:0,2:0"), QStringLiteral("usr_bookinggrouplist"),
+                                   QStringLiteral("tbl_user"));
+    DemoWindow window(1);
+    window.showView(DemoWindow::Group);
+    window.calendar()->setDate(Wednesday);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    BkCalendarView* view = window.calendar()->view();
+    BkCalendarColumn* column = columnOf(window.calendar(), Anna);
+    QVERIFY(column);
+
+    // Anna's column picked again for Anna, then once more, on its header.
+    for (int pick = 0; pick < 2; ++pick) {
+        FwTest::whenModal([](QWidget* modal) {
+            auto* picker = qobject_cast<BkCalendarUserList*>(modal);
+            QVERIFY(picker);
+            auto* list = picker->findChild<QTreeWidget*>(QStringLiteral("tvList"));
+            QVERIFY(list);
+            list->clearSelection();
+            for (int i = 0; i < list->topLevelItemCount(); ++i) {
+                QTreeWidgetItem* row = list->topLevelItem(i);
+                if (row->data(0, 256).isValid() && row->data(0, 256).toInt() == 1 &&
+                    row->data(0, 257).toInt() == 0)
+                    row->setSelected(true);
+            }
+            QCOMPARE(list->selectedItems().count(), 1);
+            QTest::mouseClick(picker->findChild<QPushButton*>(QStringLiteral("pbOk")), Qt::LeftButton);
+        });
+        view->headerActivated(column, column->resource());
+    }
+    QCOMPARE(columnOf(window.calendar(), Anna), column);
+
+    // Every booking dialog that opens is counted, and answered: Cancel for an edit, Ok for a new one.
+    int dialogs = 0;
+    QPointer<QWidget> seen;
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, [&]() {
+        auto* dialog = qobject_cast<BookingDialog*>(QApplication::activeModalWidget());
+        if (!dialog || dialog == seen || !dialog->isVisible())
+            return;
+        seen = dialog;
+        ++dialogs;
+        if (dialog->windowTitle() == QStringLiteral("New booking"))
+            dialog->accept();
+        else
+            dialog->reject();
+    });
+    answer.start(20);
+
+    QList<BkCalendarItem*> items = column->getItems(true);
+    QVERIFY(!items.isEmpty());
+    emit column->itemActivated(items.first());
+    QCoreApplication::processEvents();
+    QCOMPARE(dialogs, 1);
+
+    BkCalendarPlan* plan = column->planAt(QTime(8, 0), QTime());
+    QVERIFY(plan && plan->bookable);
+    const int before = countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking"));
+    emit column->planActivated(plan, QTime(8, 0));
+    QCoreApplication::processEvents();
+    QCOMPARE(dialogs, 2);
+    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking")), before + 1);
+    QCOMPARE(window.undoStack()->count(), 1);
+
+    // The next gesture is answered again.
+    emit column->itemActivated(items.first());
+    QCoreApplication::processEvents();
+    QCOMPARE(dialogs, 3);
 }
 
 void tst_DemoApp::shouldWriteAScreenshotOfTheExpectedSize()
