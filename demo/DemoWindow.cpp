@@ -155,6 +155,12 @@ void DemoWindow::setupActions()
     auto* jump = new QAction(tr("Go to…"), this);
     jump->setShortcut(QKeySequence(tr("Ctrl+G")));
     connect(jump, &QAction::triggered, mCalendar, &BkCalendar::jumpTo);
+    // A click in another day's column selects that day: the job list follows it, and so does the date
+    // picker, which the next view and the steps start from.
+    // It follows the column selected once the calendar is done: a view that is being built selects
+    // the days of its way there too.
+    connect(mCalendar, &BkCalendar::dateSelected, this,
+            [this]() { QTimer::singleShot(0, this, &DemoWindow::followSelectedColumn); });
     // The calendar's own buttons, menu entries and keys switch the view too; the new view shows the
     // selected day, as after the demo's own switches, and not the first day of the week before.
     connect(mCalendar->showActions(), &QActionGroup::triggered, this, &DemoWindow::showSelectedDay);
@@ -337,14 +343,28 @@ void DemoWindow::showView(View view)
 void DemoWindow::showSelectedDay()
 {
     // The days of a new view start from the date on show; the week views anchor on the week.
-    mCalendar->setDate(mCalendar->view()->selectedDate());
+    mCalendar->setDate(dayOnShow());
+}
+
+void DemoWindow::followSelectedColumn()
+{
+    const BkCalendarColumn* column = mCalendar->getSelectedColumn();
+    if (column && column->date().isValid() && mCalendar->datePicker())
+        mCalendar->datePicker()->setSelectedDate(column->date());
+}
+
+QDate DemoWindow::dayOnShow() const
+{
+    // The date picker marks the day that the user chose last, also by a click in a column.
+    const QDate picked = mCalendar->datePicker() ? mCalendar->datePicker()->selectedDate() : QDate();
+    return picked.isValid() ? picked : mCalendar->view()->selectedDate();
 }
 
 void DemoWindow::step(int direction)
 {
     const View view = currentView();
     const int days = (view == FiveDays || view == SevenDays || view == Month) ? 7 : 1;
-    const QDate date = mCalendar->view()->selectedDate().addDays(direction * days);
+    const QDate date = dayOnShow().addDays(direction * days);
     mCalendar->setDate(date);
     if (mCalendar->datePicker())
         mCalendar->datePicker()->setSelectedDate(date);

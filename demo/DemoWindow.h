@@ -84,6 +84,8 @@ private:
     void saveLayout();
     void newBookingAt(const BkCalendarPlan* plan, QTime time);
     void showSelectedDay();
+    QDate dayOnShow() const;
+    void followSelectedColumn();
     // Runs `answer` for a gesture of the calendar, unless it answered this gesture already.
     void answerOnce(const std::function<void()>& answer);
 

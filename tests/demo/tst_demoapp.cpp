@@ -11,6 +11,7 @@
 #include <BkCalendarColumn.h>
 #include <BkCalendarItem.h>
 #include <BkCalendarItemWidget.h>
+#include <BkCalendarList.h>
 #include <BkCalendarModel.h>
 #include <BkCalendarRecords.h>
 #include <BkCalendarTimeScale.h>
@@ -27,6 +28,7 @@
 #include <FwApplication.h>
 
 #include <QAction>
+#include <QCalendarWidget>
 #include <QImage>
 #include <QListWidget>
 #include <QMessageBox>
@@ -183,6 +185,7 @@ private slots:
     void shouldReadOnlyWellFormedGroupEntries();
     void shouldShowTheSelectedDayWhenTheCalendarsOwnButtonsSwitchTheView();
     void shouldAnswerAGestureOnceInAColumnPickedAgainOnItsHeader();
+    void shouldKeepTheDatePickerOnTheDayOfTheColumnClicked();
     void shouldWriteAScreenshotOfTheExpectedSize();
 
 private:
@@ -1027,6 +1030,7 @@ void tst_DemoApp::shouldShowTheSelectedDayWhenTheCalendarsOwnButtonsSwitchTheVie
     DemoWindow window(1);
     window.showView(DemoWindow::FiveDays);
     window.calendar()->setDate(Wednesday);
+    window.calendar()->datePicker()->setSelectedDate(Wednesday);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     BkCalendarView* view = window.calendar()->view();
@@ -1126,6 +1130,54 @@ void tst_DemoApp::shouldAnswerAGestureOnceInAColumnPickedAgainOnItsHeader()
     emit column->itemActivated(items.first());
     QCoreApplication::processEvents();
     QCOMPARE(dialogs, 3);
+}
+
+// A click in another day's column of the week selects that day: the job list shows it, and the date
+// picker marks it, as after the tool bar's steps; the next view and step start from it.
+void tst_DemoApp::shouldKeepTheDatePickerOnTheDayOfTheColumnClicked()
+{
+    DemoWindow window(1);
+    window.showView(DemoWindow::FiveDays);
+    window.calendar()->setDate(Wednesday);
+    window.calendar()->datePicker()->setSelectedDate(Wednesday);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    BkCalendarView* view = window.calendar()->view();
+    const QDate friday = Wednesday.addDays(2);
+    BkCalendarColumn* column = nullptr;
+    for (BkCalendarColumn* candidate : view->getColumnList())
+        if (candidate->date() == friday)
+            column = candidate;
+    QVERIFY(column);
+
+    // A free spot of the morning, on no booking.
+    QPointF spot;
+    for (QTime time(7, 0); time < QTime(12, 0) && spot.isNull(); time = time.addSecs(5 * 60)) {
+        const QPointF at = column->mapToScene(view->timeScale()->pointAt(0.0, time)) + QPointF(20.0, 3.0);
+        bool free = true;
+        for (QGraphicsItem* under : view->scene()->items(at))
+            free = free && !qgraphicsitem_cast<BkCalendarItemWidget*>(under);
+        if (free)
+            spot = at;
+    }
+    QVERIFY(!spot.isNull());
+    view->ensureVisible(QRectF(spot, QSizeF(1.0, 1.0)));
+    QCoreApplication::processEvents();
+    mouse(view, QEvent::MouseButtonPress, spot, Qt::LeftButton);
+    mouse(view, QEvent::MouseButtonRelease, spot, Qt::NoButton);
+    QCoreApplication::processEvents();
+
+    QCOMPARE(view->getSelectedColumn(), column);
+    QCOMPARE(window.calendar()->jobList()->date(), friday);
+    QCOMPARE(window.calendar()->datePicker()->selectedDate(), friday);
+
+    // The day view that comes next shows that day, and the step forward goes on from it.
+    window.calendar()->action1Day()->trigger();
+    QCoreApplication::processEvents();
+    QCOMPARE(view->getColumnList().first()->date(), friday);
+    QCOMPARE(window.calendar()->datePicker()->selectedDate(), friday);
+    window.step(1);
+    QCOMPARE(view->getColumnList().first()->date(), friday.addDays(1));
 }
 
 void tst_DemoApp::shouldWriteAScreenshotOfTheExpectedSize()
