@@ -343,14 +343,22 @@ void DemoWindow::showView(View view)
 void DemoWindow::showSelectedDay()
 {
     // The days of a new view start from the date on show; the week views anchor on the week.
-    mCalendar->setDate(dayOnShow());
+    const QDate day = dayOnShow();
+    mCalendar->setDate(day);
+    // The job list heard of the days that the new view passed through on its way.
+    if (mCalendar->jobList())
+        mCalendar->jobList()->setDate(day);
 }
 
 void DemoWindow::followSelectedColumn()
 {
     const BkCalendarColumn* column = mCalendar->getSelectedColumn();
-    if (column && column->date().isValid() && mCalendar->datePicker())
+    if (!column || !column->date().isValid())
+        return;
+    if (mCalendar->datePicker())
         mCalendar->datePicker()->setSelectedDate(column->date());
+    if (mCalendar->jobList())
+        mCalendar->jobList()->setDate(column->date());
 }
 
 QDate DemoWindow::dayOnShow() const

@@ -1051,6 +1051,10 @@ void tst_DemoApp::shouldShowTheSelectedDayWhenTheCalendarsOwnButtonsSwitchTheVie
     BkCalendarColumn* anna = columnOf(window.calendar(), Anna);
     QVERIFY(anna);
     QCOMPARE(anna->date(), Wednesday);
+    // The docks show that day too, once the calendar is done.
+    QCoreApplication::processEvents();
+    QCOMPARE(window.calendar()->jobList()->date(), Wednesday);
+    QCOMPARE(window.calendar()->datePicker()->selectedDate(), Wednesday);
 
     window.calendar()->action5Day()->trigger();
     QCOMPARE(view->date(), monday);
