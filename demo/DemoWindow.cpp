@@ -480,9 +480,19 @@ void DemoWindow::itemActivated(BkCalendarItem* item)
 {
     if (!item)
         return;
+    // The dialog runs a loop of its own, in which the save of an earlier move may take the booking
+    // off the calendar (another program deleted it): the booking is found again by its id.
+    const QVariant id = item->id;
     BookingDialog dialog(DemoBookingRow::fromItem(item), mStore->statuses(), this);
-    if (dialog.exec() == QDialog::Accepted && mCalendar->model()->findId(item->id) == item)
-        editBooking(item, dialog.row());
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    if (BkCalendarItem* booking = bookingOf(id))
+        editBooking(booking, dialog.row());
+}
+
+BkCalendarItem* DemoWindow::bookingOf(const QVariant& id) const
+{
+    return id.isNull() ? nullptr : mCalendar->model()->findId(id);
 }
 
 void DemoWindow::answerOnce(const std::function<void()>& answer)
@@ -527,20 +537,32 @@ void DemoWindow::itemContextMenu(QPoint pos, BkCalendarItem* item)
 {
     if (!item)
         return;
+    // The menu runs a loop of its own, as the dialog does: each entry finds the booking again by its id.
+    const QVariant id = item->id;
+    const auto onBooking = [this, id](std::function<void(BkCalendarItem*)> act) {
+        return [this, id, act]() {
+            if (BkCalendarItem* booking = bookingOf(id))
+                act(booking);
+        };
+    };
     QMenu menu(this);
-    menu.addAction(tr("&Edit…"), this, [this, item]() { itemActivated(item); });
+    menu.addAction(tr("&Edit…"), this,
+                   onBooking([this](BkCalendarItem* booking) { itemActivated(booking); }));
     menu.addAction(tr("Park on the &move list"), mCalendar,
-                   [this, item]() { mCalendar->addToMoveList(item); });
+                   onBooking([this](BkCalendarItem* booking) { mCalendar->addToMoveList(booking); }));
     QMenu* status = menu.addMenu(tr("&Status"));
     const QMap<int, BkCalendarStatusEntry> statuses = mStore->statuses();
     for (auto it = statuses.cbegin(); it != statuses.cend(); ++it) {
-        QAction* action =
-            status->addAction(it.value().name, this, [this, item, id = it.key()]() { setStatus(item, id); });
+        QAction* action = status->addAction(it.value().name, this,
+                                            onBooking([this, statusId = it.key()](BkCalendarItem* booking) {
+                                                setStatus(booking, statusId);
+                                            }));
         action->setCheckable(true);
         action->setChecked(!item->statusId.isNull() && item->statusId.toInt() == it.key());
     }
     menu.addSeparator();
-    menu.addAction(tr("&Delete"), this, [this, item]() { deleteBooking(item); });
+    menu.addAction(tr("&Delete"), this,
+                   onBooking([this](BkCalendarItem* booking) { deleteBooking(booking); }));
     menu.exec(pos);
 }
 

@@ -83,6 +83,8 @@ private:
     void restoreLayout();
     void saveLayout();
     void newBookingAt(const BkCalendarPlan* plan, QTime time);
+    // The booking of this id that the calendar holds now, if any.
+    BkCalendarItem* bookingOf(const QVariant& id) const;
     void showSelectedDay();
     QDate dayOnShow() const;
     void followSelectedColumn();

@@ -26,11 +26,14 @@
 #include <SettingsDialog.h>
 
 #include <FwApplication.h>
+#include <FwTreeWidget.h>
 
 #include <QAction>
 #include <QCalendarWidget>
+#include <QDialog>
 #include <QImage>
 #include <QListWidget>
+#include <QMenu>
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
@@ -172,6 +175,8 @@ private slots:
     void shouldTellWhenTheGroupOrTheSettingsCouldNotBeSaved();
     void shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit();
     void shouldNotBringBackABookingThatAnotherProgramDeleted();
+    void shouldLetGoOfABookingThatASaveTookOffWhileItsMenuOrDialogWasOpen_data();
+    void shouldLetGoOfABookingThatASaveTookOffWhileItsMenuOrDialogWasOpen();
     void shouldAddEachPlanOnceWhenARangeIsAskedTwice();
     void shouldReadTheRowsOfTheDaysAskedFor_data();
     void shouldReadTheRowsOfTheDaysAskedFor();
@@ -688,6 +693,80 @@ void tst_DemoApp::shouldNotBringBackABookingThatAnotherProgramDeleted()
     QCOMPARE(model->findId(otherId), other);
     QCOMPARE(window.undoStack()->count(), 1);
     QCOMPARE(window.undoStack()->undoText(), QStringLiteral("Edit \"%1\"").arg(other->title()));
+}
+
+void tst_DemoApp::shouldLetGoOfABookingThatASaveTookOffWhileItsMenuOrDialogWasOpen_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::newRow("dialog") << QString();
+    QTest::newRow("menu: edit") << QStringLiteral("&Edit…");
+    QTest::newRow("menu: park") << QStringLiteral("Park on the &move list");
+    QTest::newRow("menu: status") << QStringLiteral("&Status");
+    QTest::newRow("menu: delete") << QStringLiteral("&Delete");
+}
+
+// The save a second after a move runs whenever the event loop does, also in the loop of the booking's
+// menu or dialog. When another program deleted the booking meanwhile, that save takes it off the
+// calendar; what the user then picks in the menu or dialog finds no booking and changes nothing.
+void tst_DemoApp::shouldLetGoOfABookingThatASaveTookOffWhileItsMenuOrDialogWasOpen()
+{
+    QFETCH(QString, entry);
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarModel* model = window.calendar()->model();
+    BkCalendarColumn* column = window.calendar()->view()->getColumnList().first();
+    BkCalendarItem* item = movableBooking(column);
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    QVERIFY(writeBack(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), id));
+    item->setTime(item->start().addSecs(15 * 60), item->end().addSecs(15 * 60));
+    item->commit(false);
+
+    // The save comes first, then the user's choice; a dialog, also the one that the menu's first entry
+    // opens, is accepted as it stands.
+    bool chosen = false;
+    QTimer user;
+    user.setInterval(20);
+    QObject::connect(&user, &QTimer::timeout, [&]() {
+        if (chosen)
+            return;
+        QWidget* modal = QApplication::activeModalWidget();
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu && !modal)
+            return;
+        chosen = true;
+        model->commitToDatabase();
+        if (modal) {
+            qobject_cast<QDialog*>(modal)->accept();
+            return;
+        }
+        for (QAction* action : menu->actions()) {
+            if (action->text() != entry)
+                continue;
+            if (QMenu* sub = action->menu())
+                sub->actions().last()->trigger();
+            else
+                action->trigger();
+        }
+        menu->close();
+    });
+    user.start();
+    if (entry.isEmpty())
+        emit window.calendar()->itemActivated(item);
+    else
+        emit window.calendar()->itemContextMenu(QPoint(100, 100), item);
+    QVERIFY(chosen);
+    // A dialog that the edit entry opened is answered by the same hand.
+    QTRY_VERIFY(!QApplication::activeModalWidget());
+    user.stop();
+
+    QVERIFY(!model->findId(id));
+    QVERIFY(model->invalidItems().isEmpty());
+    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE id = %1").arg(id)), 0);
+    QCOMPARE(window.calendar()->moveList()->topLevelItemCount(), 0);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE id = %1").arg(id)), 0);
 }
 
 // The calendar asks for each day once, but a host can't tell a repeated request from a new one: the
