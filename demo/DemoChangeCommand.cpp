@@ -38,7 +38,7 @@ void DemoChangeCommand::redo()
     show(mBefore, mAfter);
 }
 
-void DemoChangeCommand::show(const DemoBookingRow& from, DemoBookingRow to)
+void DemoChangeCommand::show(DemoBookingRow& from, DemoBookingRow to)
 {
     BkCalendarModel* model = mStore->model();
     const int id = from.isValid() ? from.id : to.id;
@@ -52,7 +52,12 @@ void DemoChangeCommand::show(const DemoBookingRow& from, DemoBookingRow to)
         return;
     }
     if (!to.isValid()) {
+        // The step back brings the booking back as the file holds it now, with what another program
+        // wrote to it since the change.
+        const std::optional<DemoBookingRow> stored = mStore->readRow(id);
         mSucceeded = mStore->removeRow(id);
+        if (mSucceeded && stored)
+            from = *stored;
         if (mSucceeded && item) {
             model->removeItem(item);
             delete item;

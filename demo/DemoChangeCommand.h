@@ -25,7 +25,9 @@ public:
     void skipNext() { mSkip = true; }
 
 private:
-    void show(const DemoBookingRow& from, DemoBookingRow to);
+    // Writes `to` and shows it. `from` is the row of the other side, which a deletion updates to the
+    // stored row, for the step back.
+    void show(DemoBookingRow& from, DemoBookingRow to);
 
     DemoStore* mStore;
     DemoBookingRow mBefore;

@@ -95,6 +95,19 @@ bool reopenDatabase(bool readOnly)
     return db.open();
 }
 
+QVariant storedValue(const QString& file, const QString& column, int id)
+{
+    QVariant result;
+    onOwnConnection(file, [&](QSqlDatabase& db) {
+        QSqlQuery query(db);
+        query.prepare(QStringLiteral("SELECT %1 FROM demo_booking WHERE id = ?").arg(column));
+        query.addBindValue(id);
+        if (query.exec() && query.next())
+            result = query.value(0);
+    });
+    return result;
+}
+
 // Where a booking and its row differ in the fields that the calendar shows and the user changes;
 // empty when they agree. The text is left out where another program wrote it behind the calendar's
 // back: the calendar cannot know of that edit until it reads the day again.
@@ -134,6 +147,7 @@ private slots:
 
     void shouldKeepTheFileAndTheCalendarInStepThroughoutASequence_data();
     void shouldKeepTheFileAndTheCalendarInStepThroughoutASequence();
+    void shouldBringBackAnotherProgramsEditWhenAnUndoneCreationIsRedone();
 
 private:
     bool openFresh(const QString& name);
@@ -490,6 +504,39 @@ void tst_DemoSequences::shouldKeepTheFileAndTheCalendarInStepThroughoutASequence
     answerer.stop();
     window.close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+// The user creates a booking, another program writes its text, and the user takes the creation back
+// and brings it again: the booking comes back as the file held it, with that program's text.
+void tst_DemoSequences::shouldBringBackAnotherProgramsEditWhenAnUndoneCreationIsRedone()
+{
+    QVERIFY2(openFresh(QStringLiteral("creation.sqlite")), qPrintable(mDb.lastError()));
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    DemoBookingRow row;
+    row.date = Wednesday;
+    row.start = QTime(16, 0);
+    row.end = QTime(16, 30);
+    row.title = QStringLiteral("Created");
+    BkCalendarItem* item = window.createBooking(BkCalendarResource(1, QStringLiteral("Anna Berg"), 0), row);
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    QVERIFY(runSql(mFile, QStringLiteral("UPDATE demo_booking SET bk_text = ? WHERE id = ?"),
+                   {QStringLiteral("Written elsewhere"), id}));
+    const Snapshot before = snapshot(mFile);
+
+    window.undoChange();
+    QVERIFY(storedValue(mFile, QStringLiteral("bk_title"), id).isNull());
+    QVERIFY(!window.calendar()->model()->findId(id));
+    window.redoChange();
+    QCOMPARE(snapshot(mFile), before);
+    QCOMPARE(storedValue(mFile, QStringLiteral("bk_text"), id).toString(),
+             QStringLiteral("Written elsewhere"));
+    BkCalendarItem* back = window.calendar()->model()->findId(id);
+    QVERIFY(back);
+    QCOMPARE(back->text(), QStringLiteral("Written elsewhere"));
+    QVERIFY(!window.calendar()->model()->isInvalid(back));
 }
 
 FW_TEST_MAIN(tst_DemoSequences)
