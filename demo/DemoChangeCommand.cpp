@@ -63,7 +63,7 @@ void DemoChangeCommand::show(DemoBookingRow& from, DemoBookingRow to)
             delete item;
         }
     } else {
-        mSucceeded = mStore->writeRow(to);
+        mSucceeded = mStore->writeChange(to, from);
         if (mSucceeded) {
             if (item)
                 to.applyTo(item);

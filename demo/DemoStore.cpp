@@ -394,6 +394,19 @@ bool DemoStore::writeRow(DemoBookingRow& row)
     return true;
 }
 
+bool DemoStore::writeChange(DemoBookingRow& row, const DemoBookingRow& from)
+{
+    std::optional<DemoBookingRow> stored;
+    QString error;
+    if (!readStored(row.id, &stored, &error))
+        return fail(error);
+    if (!writeRow(row, stored, stored && from.isValid() ? &from : nullptr))
+        return false;
+    row = readRow(row.id).value_or(row);
+    mKnown.insert(row.id, row);
+    return true;
+}
+
 bool DemoStore::writeRow(DemoBookingRow& row, const std::optional<DemoBookingRow>& stored,
                          const DemoBookingRow* known)
 {

@@ -40,6 +40,10 @@ public:
     // inserting it again if it was deleted (so that undo of a deletion keeps the id). The calendar
     // shows the row as written from then on.
     bool writeRow(DemoBookingRow& row);
+    // Writes a step of the undo stack from `from` to `row`: only the fields in which the two differ, so
+    // that what another program wrote to the others stays; a row gone from the table comes back under
+    // its id. `row` is then the row as the table holds it, as the calendar is to show it.
+    bool writeChange(DemoBookingRow& row, const DemoBookingRow& from);
     bool removeRow(int id);
     QString lastError() const { return mError; }
     // Tells the user of something that could not be saved, in the message area: bookings, and the

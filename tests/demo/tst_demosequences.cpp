@@ -148,6 +148,7 @@ private slots:
     void shouldKeepTheFileAndTheCalendarInStepThroughoutASequence_data();
     void shouldKeepTheFileAndTheCalendarInStepThroughoutASequence();
     void shouldBringBackAnotherProgramsEditWhenAnUndoneCreationIsRedone();
+    void shouldWriteOnlyWhatAnUndoOrRedoTakesBack();
 
 private:
     bool openFresh(const QString& name);
@@ -537,6 +538,54 @@ void tst_DemoSequences::shouldBringBackAnotherProgramsEditWhenAnUndoneCreationIs
     QVERIFY(back);
     QCOMPARE(back->text(), QStringLiteral("Written elsewhere"));
     QVERIFY(!window.calendar()->model()->isInvalid(back));
+}
+
+// The user moves a booking and saves, another program writes its text, and the user takes the move
+// back and does it again: both steps write the times, and the text stays as that program wrote it,
+// in the file and on the screen.
+void tst_DemoSequences::shouldWriteOnlyWhatAnUndoOrRedoTakesBack()
+{
+    QVERIFY2(openFresh(QStringLiteral("undo.sqlite")), qPrintable(mDb.lastError()));
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    DemoBookingRow row;
+    row.date = Wednesday;
+    row.start = QTime(16, 0);
+    row.end = QTime(16, 30);
+    row.title = QStringLiteral("Moved");
+    row.text = QStringLiteral("Written here");
+    BkCalendarItem* item = window.createBooking(BkCalendarResource(1, QStringLiteral("Anna Berg"), 0), row);
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    item->setTime(QTime(16, 15), QTime(16, 45));
+    item->commit(true);
+    QCOMPARE(window.undoStack()->count(), 2);
+    QCOMPARE(storedValue(mFile, QStringLiteral("bk_start"), id).toString(), QStringLiteral("16:15:00"));
+    QVERIFY(runSql(mFile, QStringLiteral("UPDATE demo_booking SET bk_text = ? WHERE id = ?"),
+                   {QStringLiteral("Written elsewhere"), id}));
+
+    window.undoChange();
+    QCOMPARE(window.undoStack()->index(), 1);
+    QCOMPARE(storedValue(mFile, QStringLiteral("bk_start"), id).toString(), QStringLiteral("16:00:00"));
+    QCOMPARE(storedValue(mFile, QStringLiteral("bk_text"), id).toString(),
+             QStringLiteral("Written elsewhere"));
+    QCOMPARE(item->start(), QTime(16, 0));
+    QCOMPARE(item->text(), QStringLiteral("Written elsewhere"));
+    QVERIFY(!window.calendar()->model()->isInvalid(item));
+
+    window.redoChange();
+    QCOMPARE(window.undoStack()->index(), 2);
+    QCOMPARE(storedValue(mFile, QStringLiteral("bk_start"), id).toString(), QStringLiteral("16:15:00"));
+    QCOMPARE(storedValue(mFile, QStringLiteral("bk_text"), id).toString(),
+             QStringLiteral("Written elsewhere"));
+    QCOMPARE(item->text(), QStringLiteral("Written elsewhere"));
+
+    // A later save of the booking leaves that text alone too.
+    item->setTime(QTime(16, 30), QTime(17, 0));
+    item->commit(true);
+    QCOMPARE(storedValue(mFile, QStringLiteral("bk_text"), id).toString(),
+             QStringLiteral("Written elsewhere"));
 }
 
 FW_TEST_MAIN(tst_DemoSequences)
