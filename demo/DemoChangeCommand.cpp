@@ -63,8 +63,21 @@ void DemoChangeCommand::show(DemoBookingRow& from, DemoBookingRow to)
             delete item;
         }
     } else {
-        mSucceeded = mStore->writeChange(to, from);
-        if (mSucceeded) {
+        bool gone = false;
+        mSucceeded = mStore->writeChange(to, from, &gone);
+        if (mSucceeded && gone) {
+            // Another program deleted the booking: it leaves the calendar, as after a save.
+            if (item) {
+                model->removeItem(item);
+                delete item;
+            }
+            FwApplication::app()->showCritical(
+                QCoreApplication::translate("DemoChangeCommand",
+                                            "The booking \"%1\" was deleted by another program: it is "
+                                            "taken off the calendar, and the change is not written.")
+                    .arg(to.title),
+                10000);
+        } else if (mSucceeded) {
             if (item)
                 to.applyTo(item);
             else

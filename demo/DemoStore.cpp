@@ -394,12 +394,20 @@ bool DemoStore::writeRow(DemoBookingRow& row)
     return true;
 }
 
-bool DemoStore::writeChange(DemoBookingRow& row, const DemoBookingRow& from)
+bool DemoStore::writeChange(DemoBookingRow& row, const DemoBookingRow& from, bool* gone)
 {
+    *gone = false;
     std::optional<DemoBookingRow> stored;
     QString error;
     if (!readStored(row.id, &stored, &error))
         return fail(error);
+    // Only a step that brings a booking back (a deletion taken back, a creation done again) inserts
+    // its row under its id.
+    if (!stored && from.isValid()) {
+        *gone = true;
+        mKnown.remove(row.id);
+        return true;
+    }
     if (!writeRow(row, stored, stored && from.isValid() ? &from : nullptr))
         return false;
     row = readRow(row.id).value_or(row);

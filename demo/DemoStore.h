@@ -42,8 +42,9 @@ public:
     bool writeRow(DemoBookingRow& row);
     // Writes a step of the undo stack from `from` to `row`: only the fields in which the two differ, so
     // that what another program wrote to the others stays; a row gone from the table comes back under
-    // its id. `row` is then the row as the table holds it, as the calendar is to show it.
-    bool writeChange(DemoBookingRow& row, const DemoBookingRow& from);
+    // its id. `row` is then the row as the table holds it, as the calendar is to show it. A row that
+    // another program deleted after the change is not written back, as a save would not: `gone` says so.
+    bool writeChange(DemoBookingRow& row, const DemoBookingRow& from, bool* gone);
     bool removeRow(int id);
     QString lastError() const { return mError; }
     // Tells the user of something that could not be saved, in the message area: bookings, and the
