@@ -15,7 +15,8 @@
 namespace {
 
 // Every schema change is a new entry at the end; an entry, once released, never changes. The texts
-// hold "%ID" for the key column, which each server spells its own way.
+// hold "%ID" for the key column, which each server spells its own way; a text that starts with
+// "%SQLITE " is run on SQLite only.
 QVector<QStringList> migrations()
 {
     return {
@@ -44,6 +45,24 @@ QVector<QStringList> migrations()
          // A day's bookings are read by user or by resource.
          QStringLiteral("CREATE INDEX demo_booking_user_day ON demo_booking (bk_user, bk_date)"),
          QStringLiteral("CREATE INDEX demo_booking_resource_day ON demo_booking (bk_resource, bk_date)")},
+        // 2: a booking's id is never given again. SQLite hands out the largest id anew once its row is
+        // deleted, while the calendar and the undo stack may still name the deleted booking by it;
+        // PostgreSQL's serial key never goes back and needs nothing.
+        {QStringLiteral("%SQLITE CREATE TABLE demo_booking_keyed (id INTEGER PRIMARY KEY AUTOINCREMENT, "
+                        "bk_date DATE NOT NULL, bk_user INTEGER, "
+                        "bk_resource INTEGER, bk_start TIME NOT NULL, bk_end TIME NOT NULL, "
+                        "bk_title VARCHAR(250), bk_text TEXT, bk_type INTEGER NOT NULL DEFAULT 0, "
+                        "bk_flags INTEGER NOT NULL DEFAULT 0, bk_status INTEGER, "
+                        "bk_locked INTEGER NOT NULL DEFAULT 0, bk_left VARCHAR(20), bk_right VARCHAR(20), "
+                        "bk_top VARCHAR(20), bk_bottom VARCHAR(20))"),
+         QStringLiteral("%SQLITE INSERT INTO demo_booking_keyed SELECT id, bk_date, bk_user, bk_resource, "
+                        "bk_start, bk_end, bk_title, bk_text, bk_type, bk_flags, bk_status, bk_locked, "
+                        "bk_left, bk_right, bk_top, bk_bottom FROM demo_booking"),
+         QStringLiteral("%SQLITE DROP TABLE demo_booking"),
+         QStringLiteral("%SQLITE ALTER TABLE demo_booking_keyed RENAME TO demo_booking"),
+         QStringLiteral("%SQLITE CREATE INDEX demo_booking_user_day ON demo_booking (bk_user, bk_date)"),
+         QStringLiteral(
+             "%SQLITE CREATE INDEX demo_booking_resource_day ON demo_booking (bk_resource, bk_date)")},
     };
 }
 
@@ -129,7 +148,13 @@ bool DemoDatabase::run(const QStringList& statements)
 {
     const QString id =
         mPostgres ? QStringLiteral("SERIAL PRIMARY KEY") : QStringLiteral("INTEGER PRIMARY KEY");
+    const QString sqliteOnly = QStringLiteral("%SQLITE ");
     for (QString statement : statements) {
+        if (statement.startsWith(sqliteOnly)) {
+            if (mPostgres)
+                continue;
+            statement.remove(0, sqliteOnly.size());
+        }
         statement.replace(QLatin1String("%ID"), id);
         SQLQuery query;
         if (!query.exec(statement))

@@ -150,6 +150,8 @@ private slots:
     void shouldBringBackAnotherProgramsEditWhenAnUndoneCreationIsRedone();
     void shouldWriteOnlyWhatAnUndoOrRedoTakesBack();
     void shouldNotBringBackByUndoABookingThatAnotherProgramDeleted();
+    void shouldGiveANewBookingAnIdThatNoBookingHadBefore();
+    void shouldKeepTheBookingsOfAnOlderFileWhenItsIdsAreMadeUnique();
 
 private:
     bool openFresh(const QString& name);
@@ -625,6 +627,84 @@ void tst_DemoSequences::shouldNotBringBackByUndoABookingThatAnotherProgramDelete
     QVERIFY(storedValue(mFile, QStringLiteral("id"), id).isNull());
     QVERIFY(!model->findId(id));
     QCOMPARE(window.undoStack()->index(), 2);
+}
+
+// Another program deletes the newest booking while the calendar shows it and the undo stack names it.
+// A booking created next must not get its id: the calendar would hold two bookings of one id, and the
+// steps of the undo stack would name both.
+void tst_DemoSequences::shouldGiveANewBookingAnIdThatNoBookingHadBefore()
+{
+    QVERIFY2(openFresh(QStringLiteral("ids.sqlite")), qPrintable(mDb.lastError()));
+    DemoWindow window(1);
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+    BkCalendarModel* model = window.calendar()->model();
+    const BkCalendarResource anna(1, QStringLiteral("Anna Berg"), 0);
+    DemoBookingRow row;
+    row.date = Wednesday;
+    row.start = QTime(16, 0);
+    row.end = QTime(16, 30);
+    row.title = QStringLiteral("Deleted elsewhere");
+    BkCalendarItem* first = window.createBooking(anna, row);
+    QVERIFY(first);
+    const int firstId = first->id.toInt();
+    QVERIFY(runSql(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), {firstId}));
+
+    row.start = QTime(16, 30);
+    row.end = QTime(17, 0);
+    row.title = QStringLiteral("Created after");
+    BkCalendarItem* second = window.createBooking(anna, row);
+    QVERIFY(second);
+    const int secondId = second->id.toInt();
+    QVERIFY(secondId != firstId);
+    QCOMPARE(model->findId(secondId), second);
+    QVERIFY(second->widget);
+    QCOMPARE(storedValue(mFile, QStringLiteral("bk_title"), secondId).toString(),
+             QStringLiteral("Created after"));
+    // The first booking is still the first one, until its next save takes it off the calendar.
+    QCOMPARE(model->findId(firstId), first);
+    QCOMPARE(first->title(), QStringLiteral("Deleted elsewhere"));
+}
+
+// A file of the first schema, whose bookings' ids SQLite may hand out again, is brought to the newest
+// one on opening: every booking stays as it was, under its id, and a deleted id is not given again.
+void tst_DemoSequences::shouldKeepTheBookingsOfAnOlderFileWhenItsIdsAreMadeUnique()
+{
+    QVERIFY2(openFresh(QStringLiteral("older.sqlite")), qPrintable(mDb.lastError()));
+    mDb.close();
+    QVERIFY(onOwnConnection(mFile, [](QSqlDatabase& db) {
+        QSqlQuery query(db);
+        query.exec(QStringLiteral("CREATE TABLE demo_booking_old AS SELECT * FROM demo_booking"));
+        query.exec(QStringLiteral("DROP TABLE demo_booking"));
+        query.exec(QStringLiteral(
+            "CREATE TABLE demo_booking (id INTEGER PRIMARY KEY, bk_date DATE NOT NULL, bk_user INTEGER, "
+            "bk_resource INTEGER, bk_start TIME NOT NULL, bk_end TIME NOT NULL, bk_title VARCHAR(250), "
+            "bk_text TEXT, bk_type INTEGER NOT NULL DEFAULT 0, bk_flags INTEGER NOT NULL DEFAULT 0, "
+            "bk_status INTEGER, bk_locked INTEGER NOT NULL DEFAULT 0, bk_left VARCHAR(20), "
+            "bk_right VARCHAR(20), bk_top VARCHAR(20), bk_bottom VARCHAR(20))"));
+        query.exec(QStringLiteral("INSERT INTO demo_booking SELECT * FROM demo_booking_old"));
+        query.exec(QStringLiteral("DROP TABLE demo_booking_old"));
+        query.exec(QStringLiteral("UPDATE demo_schema SET version = 1"));
+    }));
+    const Snapshot before = snapshot(mFile);
+    QVERIFY(!before.isEmpty());
+    const int last = before.lastKey();
+
+    DemoConnection connection;
+    connection.file = mFile;
+    QVERIFY2(mDb.open(connection, Wednesday), qPrintable(mDb.lastError()));
+    QCOMPARE(mDb.version(), DemoDatabase::latestVersion());
+    QCOMPARE(snapshot(mFile), before);
+    QVERIFY(runSql(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), {last}));
+    DemoWindow window(1);
+    DemoBookingRow row;
+    row.date = Wednesday;
+    row.start = QTime(16, 0);
+    row.end = QTime(16, 30);
+    row.title = QStringLiteral("New");
+    BkCalendarItem* item = window.createBooking(BkCalendarResource(1, QStringLiteral("Anna Berg"), 0), row);
+    QVERIFY(item);
+    QVERIFY(item->id.toInt() > last);
 }
 
 FW_TEST_MAIN(tst_DemoSequences)
