@@ -246,6 +246,13 @@ bool BkCalendarHeader::sceneEvent(QEvent* event)
 
 QVariant BkCalendarHeader::itemChange(GraphicsItemChange change, const QVariant& value)
 {
+    // A press selects the header, and Qt tells the scene's listeners before it has done with the
+    // header and with the press; should the host's answer take the column away, it and its header
+    // last until the event loop.
+    if (change == ItemSelectedChange && !mSelectionVisit)
+        mSelectionVisit.emplace();
+    else if (change == ItemSelectedHasChanged)
+        mSelectionVisit.reset();
     // A column on its way out leaves the scene before Qt takes the mouse from its header; like a
     // deleted one, it stores no width.
     if (change == ItemSceneChange && !qvariant_cast<QGraphicsScene*>(value))

@@ -1,6 +1,7 @@
 #ifndef BKCALENDARHEADER_H
 #define BKCALENDARHEADER_H
 
+#include "BkCalendarHostVisit.h"
 #include "BkCalendarRecords.h"
 #include "FwCalendarGlobal.h"
 
@@ -10,6 +11,8 @@
 #include <QPointF>
 #include <QRectF>
 #include <QString>
+
+#include <optional>
 
 class BkCalendarColorScheme;
 class BkCalendarColumn;
@@ -82,6 +85,8 @@ public:
 
 private:
     bool mResourceMode = false;
+    // Held while the header's own selection changes, which lets the host in.
+    std::optional<BkCalendarHostVisit> mSelectionVisit;
 };
 
 #endif // BKCALENDARHEADER_H

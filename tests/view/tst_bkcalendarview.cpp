@@ -218,6 +218,7 @@ private slots:
     void shouldOutliveAHostThatRebuildsTheColumnsAsTheSelectedBoxGoes();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick();
+    void shouldOutliveAHostThatRebuildsTheColumnsAsAHeaderIsPressed();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints();
 
@@ -1196,6 +1197,37 @@ void tst_BkCalendarView::shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick()
 
     QCOMPARE(offered, QList<QTime>({QTime(10, 0)}));
     QCOMPARE(f.view.days(), 1);
+}
+
+void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsAsAHeaderIsPressed()
+{
+    // A press on Monday's header selects the header; the scene tells of the change, and the host
+    // answers by showing a group. Qt goes on with the header after the answer: it and its column
+    // stand, hidden and out of the scene, until the event loop runs.
+    AnnasShownWeek f(true);
+    QVERIFY(f.ok);
+    BkCalendarColumn* monday = f.view.getColumnList().first();
+    const QPointer<BkCalendarHeader> header(monday->header());
+    bool answered = false;
+    bool headerStood = false;
+    connect(f.view.scene(), &QGraphicsScene::selectionChanged, &f.view, [&] {
+        if (answered)
+            return;
+        answered = true;
+        f.view.setResources({BkCalendarResource(5, QStringLiteral("Ben"), 0)});
+        headerStood = header && !header->isVisible() && !header->scene();
+    });
+    const QPoint at = f.view.mapFromScene(header->sceneBoundingRect().center());
+    QTest::mouseClick(f.view.viewport(), Qt::LeftButton, Qt::NoModifier, at);
+
+    QVERIFY(answered);
+    QVERIFY(headerStood);
+    QVERIFY(header);
+    QCOMPARE(f.view.getColumnList().size(), 1);
+    QCOMPARE(f.view.getColumnList().first()->resource().id.toInt(), 5);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!header);
+    QVERIFY(!f.view.grab().isNull());
 }
 
 void tst_BkCalendarView::shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data()
