@@ -545,12 +545,13 @@ void BkCalendarColumn::updateChildren()
     {
         // While the host is let in, the boxes go retired, and its answer finds this column whole. A
         // selected box that goes lets the host in as well, through the scene's notice that the
-        // selection changed.
+        // selection changed, and so does the box with the focus, through the notice that the focus
+        // moved.
         const QList<QGraphicsItem*> children = childItems();
         std::optional<BkCalendarHostVisit> visit;
         if (BkCalendarHostVisit::active() ||
             std::any_of(children.cbegin(), children.cend(),
-                        [](const QGraphicsItem* child) { return child->isSelected(); }))
+                        [](const QGraphicsItem* child) { return child->isSelected() || child->hasFocus(); }))
             visit.emplace();
         for (int i = children.size() - 1; i >= 0; --i) {
             QGraphicsItem* child = children.at(i);

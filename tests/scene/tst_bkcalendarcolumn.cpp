@@ -96,6 +96,7 @@ private slots:
     void shouldOfferPlanMenuOnRightReleaseOfAnyBlock();
     void shouldOfferPlanMenuOnAPlainRightClick();
     void shouldOutliveABoxThatTheHostRebuildsWhenItIsClicked();
+    void shouldOutliveAHostThatUpdatesTheColumnAsTheFocusedBoxGoes();
     void shouldOutliveAColumnThatTheHostDropsWhenItIsClicked();
     void shouldFindPlanAtTime();
     void shouldForwardHeaderActivation();
@@ -1093,6 +1094,39 @@ void tst_BkCalendarColumn::shouldOutliveABoxThatTheHostRebuildsWhenItIsClicked()
     sendMouse(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
     QVERIFY(fresh);
     QVERIFY(fresh->isSelected());
+}
+
+void tst_BkCalendarColumn::shouldOutliveAHostThatUpdatesTheColumnAsTheFocusedBoxGoes()
+{
+    // A box has the focus, not the selection. The column is updated and its box goes; the scene tells
+    // of the focus going with it at once, and the host answers by updating the column again.
+    BkColumnFixture fixture;
+    QGraphicsView view(&fixture.scene);
+    QVERIFY(showWhole(view));
+    BkCalendarItem* booking = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    QPointer<BkCalendarItemWidget> box = booking->widget;
+    box->setFocus();
+    QVERIFY(box->hasFocus());
+    QVERIFY(!box->isSelected());
+    int told = 0;
+    connect(&fixture.scene, &QGraphicsScene::focusItemChanged, this, [&] {
+        if (told++ == 0)
+            fixture.column->update();
+    });
+    fixture.column->update();
+
+    QVERIFY(told > 0);
+    // The old box is out of the scene, and goes once the event loop comes round; the booking has one
+    // new box.
+    QVERIFY(box);
+    QVERIFY(!box->scene());
+    QVERIFY(!box->item());
+    QVERIFY(booking->widget);
+    QVERIFY(booking->widget != box);
+    QCOMPARE(fixture.widgets(), QList<BkCalendarItemWidget*>{booking->widget});
+    BkColumnFixture::flushDeletes();
+    QVERIFY(!box);
+    QCOMPARE(fixture.widgets(), QList<BkCalendarItemWidget*>{booking->widget});
 }
 
 void tst_BkCalendarColumn::shouldOutliveAColumnThatTheHostDropsWhenItIsClicked()
