@@ -648,14 +648,18 @@ void BkCalendarView::headerActivated(BkCalendarColumn* column, BkCalendarResourc
 void BkCalendarView::takePick(BkCalendarColumn* column, const BkCalendarResource& was,
                               const BkCalendarUserList& picker)
 {
+    const quint64 build = mBuilds;
     if (picker.id().isNull()) {
-        mScene->removeItem(column);
+        // Off the list first: a column that leaves the scene with its header or a box selected, or
+        // with a box that has the focus, tells the host at once, and a host that builds another group
+        // meanwhile finds it no longer one of ours. The group it built is not saved over.
         mColumns.removeAll(column);
-        delete column;
+        BkCalendarColumn::discard(column);
+        if (mBuilds != build)
+            return;
         saveGroup();
         return;
     }
-    const quint64 build = mBuilds;
     column->setHeaderText(picker.name());
     column->setResource(picker.resource());
     column->update();

@@ -159,6 +159,7 @@ private slots:
     void shouldLeaveAGroupAloneThatTheHostRebuiltDuringThePick_data();
     void shouldLeaveAGroupAloneThatTheHostRebuiltDuringThePick();
     void shouldSurviveAViewClosedDuringThePick();
+    void shouldLeaveAGroupAloneThatTheHostRebuiltAsTheClearedColumnLeft();
     void shouldStopTheEditWhenTheHostRebuildsTheGroupOnTheLoad_data();
     void shouldStopTheEditWhenTheHostRebuildsTheGroupOnTheLoad();
     void shouldShowThePickedPersonsBookingsFromTheHostsAnswer();
@@ -447,6 +448,39 @@ void tst_BkCalendarViewGroup::shouldLeaveAGroupAloneThatTheHostRebuiltDuringTheP
     QCOMPARE(savedGroup(), QStringLiteral("untouched"));
     // The resize pass after the picker still runs.
     QCOMPARE(sizes.count(), 1);
+}
+
+void tst_BkCalendarViewGroup::shouldLeaveAGroupAloneThatTheHostRebuiltAsTheClearedColumnLeft()
+{
+    // The double click selected Anna's header. The user clears her column; as it leaves the scene,
+    // the scene tells of the selection going with it, and the host answers by showing another group.
+    GroupView g;
+    QVERIFY(g.ok);
+    g.showAnnaAndAPlaceholder();
+    BkCalendarColumn* clicked = g.view.getColumnList().first();
+    QPointer<BkCalendarColumn> gone(clicked);
+    bool armed = false;
+    int answers = 0;
+    connect(g.view.scene(), &QGraphicsScene::selectionChanged, &g.view, [&] {
+        if (!armed || answers++)
+            return;
+        g.view.setResources({BkCalendarResource(30, QStringLiteral("Carl Dahl"), 0),
+                             BkCalendarResource(8, QStringLiteral("Car"), 1)});
+    });
+    answerPicker(Answer::Clear, 0, 0, [&armed, clicked] {
+        QVERIFY(clicked->header()->isSelected());
+        armed = true;
+    });
+    doubleClickHeader(g.view, clicked);
+
+    QCOMPARE(answers, 1);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!gone);
+    // The host's group stands as the host built it, and the group it replaced was not saved.
+    QCOMPARE(captions(g.view), (QStringList{QStringLiteral("Carl Dahl"), QStringLiteral("Car")}));
+    QCOMPARE(indices(g.view), (QList<int>{0, 1}));
+    QCOMPARE(savedGroup(), QStringLiteral("untouched"));
+    QVERIFY(!g.view.grab().isNull());
 }
 
 void tst_BkCalendarViewGroup::shouldSurviveAViewClosedDuringThePick()
