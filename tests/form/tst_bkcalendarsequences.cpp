@@ -770,6 +770,10 @@ private:
         // other listeners have yet to hear of it; a filter takes it out again, and deletes it later.
         if (qstrcmp(signal, "itemAdded") == 0 && what >= 12 && what <= 17)
             what = item && item->model == mModel && what <= 15 ? 20 : 10;
+        // Nor is a plan that is being added deleted by a clear in the answer that tells of it: the
+        // model's other listeners, the columns, have yet to hear of it.
+        if (qstrcmp(signal, "planAdded") == 0 && (what == 16 || what == 17))
+            what = 10;
         acts << QStringLiteral("%1:%2").arg(QLatin1String(signal)).arg(what);
         switch (what) {
         case 0:
