@@ -463,7 +463,9 @@ void BkCalendarColumn::updateInfo()
     // The plans are shared with the columns of the host's answer, which place them for themselves.
     if (mRetired)
         return;
-    mPlans = plans;
+    // Read in the host's answer to a clear, they are about to be deleted: the column shows none, as
+    // after the clear's own notice, until its next update.
+    mPlans = mModel->clearing() ? QList<BkCalendarPlan*>() : plans;
     if (mScale) {
         const float m = float(mScale->minuteHeight());
         const float t = float(mScale->topMargin());

@@ -308,6 +308,9 @@ void BkCalendarModel::setToolTipsEnabled(bool enabled)
 
 void BkCalendarModel::clear()
 {
+    // The host's answer to the notice may read the store, and finds the plans still there; those who
+    // read them know from clearing() not to keep them.
+    ++mClearing;
     emit reset();
     mIdHash->clear();
     // An item without an id, or a plan, that was added twice stands twice in the store: it is
@@ -339,6 +342,7 @@ void BkCalendarModel::clear()
     mAllItemsHoles = 0;
     mLoadedRanges.clear();
     mRangeIndex.clear();
+    --mClearing;
 }
 
 void BkCalendarModel::commit()

@@ -79,6 +79,8 @@ public:
     const QList<BkCalendarItem*>& invalidItems() const { return mInvalidItems; }
     const QTimer* commitTimer() const { return mCommitTimer; }
     bool toolTipsEnabled() const { return mToolTipsEnabled; }
+    // A clear is under way: what is read now, while the host hears of it, goes when it is done.
+    bool clearing() const { return mClearing > 0; }
 
 public slots:
     void commitToDatabase();
@@ -122,6 +124,7 @@ private:
     std::function<bool()> mLoadRelayHeard;
     QTimer* mCommitTimer = nullptr;
     bool mToolTipsEnabled = true;
+    int mClearing = 0;
 };
 
 #endif // BKCALENDARMODEL_H

@@ -97,6 +97,7 @@ private slots:
     void shouldOfferPlanMenuOnAPlainRightClick();
     void shouldOutliveABoxThatTheHostRebuildsWhenItIsClicked();
     void shouldOutliveAHostThatUpdatesTheColumnAsTheFocusedBoxGoes();
+    void shouldHoldNoPlanThatAClearDeletesAfterTheHostsAnswer();
     void shouldOutliveAColumnThatTheHostDropsWhenItIsClicked();
     void shouldFindPlanAtTime();
     void shouldForwardHeaderActivation();
@@ -1127,6 +1128,31 @@ void tst_BkCalendarColumn::shouldOutliveAHostThatUpdatesTheColumnAsTheFocusedBox
     BkColumnFixture::flushDeletes();
     QVERIFY(!box);
     QCOMPARE(fixture.widgets(), QList<BkCalendarItemWidget*>{booking->widget});
+}
+
+void tst_BkCalendarColumn::shouldHoldNoPlanThatAClearDeletesAfterTheHostsAnswer()
+{
+    // The model tells of a clear before it deletes anything. A host that answers by showing the day
+    // afresh has the column read the plans that are about to go: the column keeps none of them.
+    BkColumnFixture fixture;
+    fixture.addPlan(QTime(8, 0), QTime(12, 0), true);
+    fixture.column->update();
+    QCOMPARE(fixture.column->plans().size(), 1);
+    int told = 0;
+    connect(&fixture.model, &BkCalendarModel::reset, this, [&] {
+        ++told;
+        fixture.column->update();
+    });
+    fixture.model.clear();
+
+    QCOMPARE(told, 1);
+    QVERIFY(fixture.column->plans().isEmpty());
+    QGraphicsView view(&fixture.scene);
+    QVERIFY(showWhole(view));
+    QVERIFY(!view.grab().isNull());
+    // A plan that comes after the clear shows as before.
+    fixture.addPlan(QTime(13, 0), QTime(15, 0), true);
+    QCOMPARE(fixture.column->plans().size(), 1);
 }
 
 void tst_BkCalendarColumn::shouldOutliveAColumnThatTheHostDropsWhenItIsClicked()
