@@ -23,6 +23,7 @@
 #include <QPainter>
 #include <QPalette>
 #include <QPen>
+#include <QPointer>
 #include <QResource>
 #include <QStringList>
 
@@ -91,8 +92,12 @@ BkCalendarHeader::~BkCalendarHeader()
     // cursor back; the hand would then stay over the whole application. A day column's hand stays,
     // as it does at its release.
     endGripDrag(false);
-    // The context menu has no parent widget, so the header owns it.
-    delete mMenu;
+    // The context menu has no parent widget, so the header owns it. A header that the host takes away
+    // while its menu is open leaves the menu to end its loop; it goes once that loop is over.
+    if (mMenuOpen && mMenu)
+        BkCalendarNestedLoop::deleteAfterwards(mMenu);
+    else
+        delete mMenu;
 }
 
 QRectF BkCalendarHeader::boundingRect() const
@@ -197,7 +202,11 @@ void BkCalendarHeader::contextMenuEvent(QGraphicsSceneContextMenuEvent* event)
         mMenu->addAction(tr("Remove custom size"));
     event->accept();
     const BkCalendarNestedLoop loop;
+    const QPointer<BkCalendarHeader> self(this);
+    mMenuOpen = true;
     mMenu->exec(event->screenPos());
+    if (self)
+        mMenuOpen = false;
 }
 
 void BkCalendarHeader::mousePressEvent(QGraphicsSceneMouseEvent* event)

@@ -87,6 +87,8 @@ private:
     bool mResourceMode = false;
     // Held while the header's own selection changes, which lets the host in.
     std::optional<BkCalendarHostVisit> mSelectionVisit;
+    // The menu's own loop is running.
+    bool mMenuOpen = false;
 };
 
 #endif // BKCALENDARHEADER_H

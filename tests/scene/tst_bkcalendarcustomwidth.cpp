@@ -129,6 +129,7 @@ private slots:
     void widthNoColumnCanHaveIsNoWidth();
     void contextMenuRemovesTheCustomSize();
     void contextMenuOnADayColumn();
+    void contextMenuOutlivesItsColumn();
     void removeOnADayColumnTakesThePersonsSavedWidth();
     void firstStepOfAFirstDragGoesToTheShareOut();
 };
@@ -530,6 +531,40 @@ void tst_BkCalendarCustomWidth::contextMenuRemovesTheCustomSize()
     QVERIFY(column->header()->menu());
     QVERIFY(!column->customSize());
     QCOMPARE(storedLayout(), QStringList() << QStringLiteral("1|8|150"));
+}
+
+void tst_BkCalendarCustomWidth::contextMenuOutlivesItsColumn()
+{
+    // While the header's menu is open, the host takes the column away; the user then closes the menu.
+    BookingScene s;
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    s.show();
+    QPointer<BkCalendarHeader> header(column->header());
+    QPointer<QMenu> shown;
+    QTimer timer;
+    timer.setInterval(5);
+    QObject::connect(&timer, &QTimer::timeout, [&]() {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        timer.stop();
+        shown = menu;
+        s.columns.removeAll(column);
+        delete column;
+        menu->close();
+    });
+    timer.start();
+    QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
+    event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
+    event.setScreenPos(QPoint(300, 40));
+    event.setReason(QGraphicsSceneContextMenuEvent::Mouse);
+    QApplication::sendEvent(&s.scene, &event);
+
+    QVERIFY(!header);
+    // The menu goes once control is back in the event loop.
+    QVERIFY(shown);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!shown);
 }
 
 void tst_BkCalendarCustomWidth::contextMenuOnADayColumn()
