@@ -465,7 +465,7 @@ void BkCalendarColumn::updateInfo()
         return;
     // Read in the host's answer to a clear, they are about to be deleted: the column shows none, as
     // after the clear's own notice, until its next update.
-    mPlans = mModel->clearing() ? QList<BkCalendarPlan*>() : plans;
+    mPlans = mModel && mModel->clearing() ? QList<BkCalendarPlan*>() : plans;
     if (mScale) {
         const float m = float(mScale->minuteHeight());
         const float t = float(mScale->topMargin());
