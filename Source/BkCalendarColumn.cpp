@@ -508,7 +508,19 @@ void BkCalendarColumn::setModel(BkCalendarModel* model)
 BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)
 {
     mLayoutMemo->settled = false;
+    const BkCalendarModel* model = item->model;
     auto* widget = new BkCalendarItemWidget(item, mScale, this);
+    // The box's coming may let the host in. An answer that took the booking out of the model, deleted
+    // it or took the box away leaves the column to go on without it.
+    if (widget->deleting() || widget->parentItem() != this || widget->item() != item ||
+        item->model != model) {
+        if (!widget->deleting()) {
+            // The host may have selected it or given it the focus, and hears of it going.
+            const BkCalendarHostVisit visit;
+            BkCalendarHostVisit::remove(widget);
+        }
+        return nullptr;
+    }
     {
         // The box's first place ran the layout with the box in it. If that run left every box
         // holding its answer, the width given now moves only this box, sideways, and the run that
@@ -524,8 +536,6 @@ BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)
     widget->setData(0, 0);
     connect(widget, &BkCalendarItemWidget::itemContextMenu, this, &BkCalendarColumn::itemContextMenu);
     connect(widget, &BkCalendarItemWidget::itemActivated, this, &BkCalendarColumn::itemActivated);
-    connect(this, qOverload<double>(&BkCalendarColumn::widthChanged), widget,
-            &BkCalendarItemWidget::widthChanged);
     if (mModel) {
         connect(mModel, &BkCalendarModel::itemChanged, widget, &BkCalendarItemWidget::itemChanged);
         connect(mModel, &BkCalendarModel::itemRemoved, widget, &BkCalendarItemWidget::itemRemoved);
@@ -585,8 +595,15 @@ void BkCalendarColumn::updateChildren()
             // to the read got as it came.
             if (item->widget && item->widget->parentItem() == this)
                 continue;
-            if (!mDeferBoxes && mScale && mScale->inside(item->start(), item->end()))
+            if (!mDeferBoxes && mScale && mScale->inside(item->start(), item->end())) {
                 makeWidget(item);
+                // The box's coming let the host in, and its answer updated this column, which made
+                // the boxes itself, or took it away.
+                if (mRetired || mChildUpdates != update) {
+                    mHoldLayout = false;
+                    return;
+                }
+            }
         }
         polishNow(scene());
     }
@@ -1100,6 +1117,8 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
     if (!widget) {
         // A booking from the move list, or one outside the scale's span, gets its box here.
         widget = own ? own.data() : makeWidget(item);
+        if (!widget)
+            return false;
     }
     // Selecting this column tells of its date, and the new time goes out as a change of the
     // booking: whoever answers either may take the booking away, which lets go of its box.

@@ -28,6 +28,7 @@
 #include <QPen>
 #include <QPixmap>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QStyle>
 #include <QStyleOptionGraphicsItem>
 #include <QTextBlock>
@@ -144,7 +145,7 @@ private:
 BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeScale* scale,
                                            BkCalendarColumn* column)
     : QObject(nullptr)
-    , QGraphicsItem(column)
+    , QGraphicsItem(nullptr)
     , mMoved(false)
     , mExpanded(false)
     , mDeleting(false)
@@ -155,7 +156,7 @@ BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeS
     , mY(0)
     , mX(0)
     , mHeight(0)
-    , mColumn(column)
+    , mColumn(nullptr)
     , mColIndex(1)
     , mColCount(1)
     , mItem(item)
@@ -170,13 +171,28 @@ BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeS
     setFlags(QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable | QGraphicsItem::ItemIsFocusable |
              QGraphicsItem::ItemSendsGeometryChanges | QGraphicsItem::ItemSendsScenePositionChanges);
     setAcceptHoverEvents(true);
-    setData(ItemKindRole, int(ItemKindItemWidget));
     // Tool tips are decided once per box; the booking switches them later.
     if (mItem && settingValue(QStringLiteral("set_showtooltips")) == 1)
         setToolTip(mItem->toolTip());
-    setData(0, 1);
     mScale = scale;
+    if (column)
+        join(column);
+    // Marked only now, the box is passed over by the layout run of its joining, and by a rebuild of
+    // the column's boxes in the host's answer to it; its first place is the run that takes it in.
+    setData(ItemKindRole, int(ItemKindItemWidget));
+    setData(0, 1);
     updateInfo();
+}
+
+void BkCalendarItemWidget::join(BkCalendarColumn* column)
+{
+    // The box joins its column only once it is whole: Qt activates it as it comes into an active
+    // scene, the scene's notice of the focus lets the host in, and the host's answer may ask every
+    // box for its bounds or rebuild the view. The visit keeps what the answer takes away until the
+    // event loop, as Qt goes on with the column and the box.
+    const BkCalendarHostVisit visit;
+    const QScopedValueRollback<bool> joining(mJoining, true);
+    setParentItem(column);
 }
 
 BkCalendarItemWidget::~BkCalendarItemWidget()
@@ -389,8 +405,9 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
     // The end of a change of selection that let the host in; a box retired meanwhile ends it too.
     if (change == ItemSelectedHasChanged)
         mSelectionVisit.reset();
-    // A box whose booking is gone waits for its deletion and takes part in nothing.
-    if (!mItem)
+    // A box whose booking is gone waits for its deletion and takes part in nothing; one made without
+    // a booking still joins the column that it was made in.
+    if (!mItem && !(mJoining && change == ItemParentChange))
         return QVariant(false);
 
     switch (change) {

@@ -129,6 +129,8 @@ protected:
 private:
     // What the deletion of a box undoes: the booking no longer names it or counts it among its boxes.
     void letGoOfItem();
+    // Makes the finished box a child of its column.
+    void join(BkCalendarColumn* column);
     // Done at once to a box that is retired rather than deleted, so that nothing sees it any more.
     // The box mark is only data, which an item of the host's may carry too; such an item has no links.
     static void retire(QGraphicsItem* marked);
@@ -144,6 +146,7 @@ private:
     bool mMoved;
     bool mExpanded;
     bool mDeleting;
+    bool mJoining = false;
     QPointF mPressPos;
     QRectF mRect;
     QRectF mColumnRect;

@@ -45,6 +45,7 @@ private slots:
     void shouldLayOutColumnWhenUpdated();
     void shouldLeaveBookingWhenDeleted();
     void shouldSurviveItsBooking();
+    void shouldJoinItsColumnWholeAndFollowItsWidth();
     void shouldLetEveryBoxOfABookingSurviveIt_data();
     void shouldLetEveryBoxOfABookingSurviveIt();
     void shouldKeepTheOtherBookingOfABoxGivenOne();
@@ -550,6 +551,30 @@ void tst_BkCalendarItemWidget::shouldSurviveItsBooking()
     widget->itemChanged(nullptr);
     widget->itemRemoved(nullptr);
     QVERIFY(widget);
+}
+
+void tst_BkCalendarItemWidget::shouldJoinItsColumnWholeAndFollowItsWidth()
+{
+    // Made in a column, the box stands in it, with the marks of a box, and takes the column's width
+    // from then on; one made without a booking stands in the column as well.
+    BkColumnFixture fixture;
+    auto* item = new BkCalendarItem();
+    item->setTime(QTime(9, 0), QTime(10, 0));
+    auto* widget = new BkCalendarItemWidget(item, fixture.scale, fixture.column);
+    QCOMPARE(widget->parentItem(), static_cast<QGraphicsItem*>(fixture.column));
+    QCOMPARE(widget->column(), fixture.column);
+    QCOMPARE(widget->scene(), fixture.column->scene());
+    QCOMPARE(widget->data(ItemKindRole).toInt(), 101);
+    QCOMPARE(widget->data(0).toInt(), 1);
+    emit fixture.column->widthChanged(305.0);
+    QCOMPARE(widget->columnRect().width(), 300.0);
+
+    auto* empty = new BkCalendarItemWidget(nullptr, fixture.scale, fixture.column);
+    QCOMPARE(empty->parentItem(), static_cast<QGraphicsItem*>(fixture.column));
+    QCOMPARE(empty->column(), fixture.column);
+    QCOMPARE(empty->data(ItemKindRole).toInt(), 101);
+    delete widget;
+    delete item;
 }
 
 void tst_BkCalendarItemWidget::shouldLetEveryBoxOfABookingSurviveIt_data()

@@ -20,10 +20,12 @@
 
 #include <QFocusEvent>
 #include <QGraphicsSceneDragDropEvent>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QPointer>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QVBoxLayout>
 
 #include <functional>
 
@@ -221,6 +223,9 @@ private slots:
     void shouldOutliveAHostThatRebuildsTheColumnsAsAHeaderIsPressed();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints();
+    void shouldShowTheHostOnlyWholeBoxesAsTheFocusComesBack_data();
+    void shouldShowTheHostOnlyWholeBoxesAsTheFocusComesBack();
+    void shouldOutliveAHostThatShowsAGroupAsTheFocusComesBack();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
     void shouldShowNothingOnceItsModelIsGone();
@@ -1299,6 +1304,127 @@ void tst_BkCalendarView::shouldOutliveABoxThatTheHostRebuildsWhileItPaints()
     const QImage again = f.view.viewport()->grab().toImage();
     QCOMPARE(told.size(), tellings);
     QVERIFY(!again.isNull());
+}
+
+void tst_BkCalendarView::shouldShowTheHostOnlyWholeBoxesAsTheFocusComesBack_data()
+{
+    QTest::addColumn<bool>("added");
+    QTest::addColumn<bool>("takenAway");
+    QTest::newRow("a booking is added") << true << false;
+    QTest::newRow("the column is updated") << false << false;
+    QTest::newRow("the added booking is taken away") << true << true;
+}
+
+namespace {
+// Anna's week in an active window beside a line edit. Her box of Tuesday had the keyboard focus before
+// the line edit took it: a new box that comes into the scene now is activated by Qt, and the scene
+// takes the focus back to the old box and tells of it.
+struct AnnasWeekBesideAnEdit
+{
+    AnnasWeekBesideAnEdit()
+    {
+        auto* layout = new QVBoxLayout(&window);
+        auto* edit = new QLineEdit(&window);
+        layout->addWidget(edit);
+        layout->addWidget(&f.view);
+        window.resize(900, 700);
+        window.show();
+        window.activateWindow();
+        if (!QTest::qWaitForWindowActive(&window))
+            return;
+        BkCalendarItem* focused = boxedItems(f.view.getColumnList().at(1)).value(0);
+        f.view.setFocus();
+        focused->widget->setFocus();
+        const bool boxFocused = f.view.scene()->focusItem() == focused->widget;
+        edit->setFocus();
+        ok = boxFocused && !f.view.scene()->hasFocus();
+    }
+    QWidget window;
+    AnnasWeekWithBookings f;
+    bool ok = false;
+};
+} // namespace
+
+void tst_BkCalendarView::shouldShowTheHostOnlyWholeBoxesAsTheFocusComesBack()
+{
+    // The host answers the focus that comes back by updating the view: it asks every item of the scene
+    // for its bounds, the new box among them, and rebuilds the columns' boxes, or takes the new booking
+    // out of the model again.
+    QFETCH(bool, added);
+    QFETCH(bool, takenAway);
+    AnnasWeekBesideAnEdit w;
+    QVERIFY(w.ok);
+    AnnasWeekWithBookings& f = w.f;
+    BkCalendarColumn* monday = f.view.getColumnList().first();
+    int answers = 0;
+    connect(f.view.scene(), &QGraphicsScene::focusItemChanged, &f.view, [&](QGraphicsItem* now) {
+        if (!now)
+            return;
+        ++answers;
+        if (BkCalendarItem* newcomer = f.model.findId(1); takenAway && newcomer)
+            f.model.removeItem(newcomer);
+        f.view.updateWidgets();
+    });
+    BkCalendarItem* newcomer = nullptr;
+    if (added)
+        newcomer = addBooking(f.model, 1, Monday, 4, QTime(14, 0), QTime(15, 0));
+    else
+        monday->update();
+
+    QVERIFY(answers > 0);
+    verifyColumnsAndBoxes(f.view);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    verifyColumnsAndBoxes(f.view);
+    // Every booking of Monday has one box, where its time puts it.
+    const QList<BkCalendarItem*> mondays = monday->getItems(false);
+    QCOMPARE(mondays.size(), added && !takenAway ? 2 : 1);
+    if (takenAway) {
+        QVERIFY(!boxedItems(monday).contains(newcomer));
+        QVERIFY(!newcomer->widget);
+        delete newcomer;
+    }
+    for (BkCalendarItem* item : mondays) {
+        QCOMPARE(boxedItems(monday).count(item), 1);
+        QCOMPARE(item->widget->parentItem(), static_cast<QGraphicsItem*>(monday));
+        const double y = f.view.timeScale()->topMargin() + f.view.timeScale()->start().secsTo(item->start()) /
+                                                               60 * f.view.timeScale()->minuteHeight();
+        QCOMPARE(item->widget->y(), y);
+    }
+    QVERIFY(!f.view.grab().isNull());
+}
+
+void tst_BkCalendarView::shouldOutliveAHostThatShowsAGroupAsTheFocusComesBack()
+{
+    // The host answers the focus that comes back by showing a group: the column that the new box is
+    // joining goes, and Qt still goes on with the two.
+    AnnasWeekBesideAnEdit w;
+    QVERIFY(w.ok);
+    AnnasWeekWithBookings& f = w.f;
+    QPointer<BkCalendarColumn> monday = f.view.getColumnList().first();
+    const BkCalendarResource anna(4, QStringLiteral("Anna"), 0);
+    const BkCalendarResource ben(5, QStringLiteral("Ben"), 0);
+    bool answered = false;
+    connect(f.view.scene(), &QGraphicsScene::focusItemChanged, &f.view, [&](QGraphicsItem* now) {
+        if (!now || answered)
+            return;
+        answered = true;
+        f.view.setDate(Monday);
+        f.view.setResources({anna, ben});
+    });
+    BkCalendarItem* newcomer = addBooking(f.model, 1, Monday, 4, QTime(14, 0), QTime(15, 0));
+
+    QVERIFY(answered);
+    QCOMPARE(f.view.getColumnList().size(), 2);
+    verifyColumnsAndBoxes(f.view);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!monday);
+    verifyColumnsAndBoxes(f.view);
+    // Anna's column of the group shows the new booking.
+    BkCalendarColumn* annas = f.view.getColumnList().first();
+    QCOMPARE(annas->resource().id, anna.id);
+    QVERIFY(boxedItems(annas).contains(newcomer));
+    QCOMPARE(newcomer->widget->parentItem(), static_cast<QGraphicsItem*>(annas));
+    QVERIFY(!f.view.grab().isNull());
 }
 
 void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()
