@@ -326,16 +326,19 @@ bool FwTableBase::execute(const QString& filterField, const QString& filterValue
         const QString text = value.toString();
         // Colours are whole values: "#ff0000" must not find "#ff00001".
         const bool exact = exactMatch || qobject_cast<const FwPtrColorPicker*>(field);
+        // A field shows its column as text, and is searched as text: PostgreSQL has no LOWER or LIKE
+        // for a column of numbers or dates.
+        const QString asText = QStringLiteral("CAST(%1 AS TEXT)").arg(name);
         if (exact && caseSensitive) {
-            conditions.append(QStringLiteral("%1 = ?").arg(name));
+            conditions.append(QStringLiteral("%1 = ?").arg(asText));
             values.append(text);
         } else if (exact) {
-            conditions.append(QStringLiteral("LOWER(%1) = LOWER(?)").arg(name));
+            conditions.append(QStringLiteral("LOWER(%1) = LOWER(?)").arg(asText));
             values.append(text);
         } else {
             conditions.append(caseSensitive
-                                  ? QStringLiteral("%1 LIKE ? ESCAPE '\\'").arg(name)
-                                  : QStringLiteral("LOWER(%1) LIKE LOWER(?) ESCAPE '\\'").arg(name));
+                                  ? QStringLiteral("%1 LIKE ? ESCAPE '\\'").arg(asText)
+                                  : QStringLiteral("LOWER(%1) LIKE LOWER(?) ESCAPE '\\'").arg(asText));
             values.append(QStringLiteral("%%1%").arg(likeEscaped(text)));
         }
     }

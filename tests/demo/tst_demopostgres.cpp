@@ -17,9 +17,13 @@
 #include <BkCalendarModel.h>
 #include <BkCalendarView.h>
 
+#include <FwPtrEdit.h>
+#include <FwTableBase.h>
+#include <FwTableForm.h>
 #include <SQLQuery.h>
 
 #include <QUndoStack>
+#include <QVBoxLayout>
 
 namespace {
 const QDate Wednesday(2026, 11, 25);
@@ -41,6 +45,7 @@ private slots:
     void shouldMigrateAndSeedTheServer();
     void shouldLoadSaveCreateDeleteAndUndo();
     void shouldReadAnEndAtMidnightAsTheEndOfTheDay();
+    void shouldSearchANumberFieldOfARecordFormAsText();
 
 private:
     DemoDatabase mDb;
@@ -166,6 +171,53 @@ void tst_DemoPostgres::shouldReadAnEndAtMidnightAsTheEndOfTheDay()
     QVERIFY(stored.next());
     QCOMPARE(stored.value(0).toString(), QStringLiteral("Night shift, renamed"));
     QCOMPARE(stored.value(1).toString(), QStringLiteral("24:00:00"));
+}
+
+// A record form searches by what its fields show, as text, whatever type the server gives the column:
+// the server has no LOWER or LIKE for numbers.
+void tst_DemoPostgres::shouldSearchANumberFieldOfARecordFormAsText()
+{
+    struct Table
+    {
+        ~Table() { SQLQuery().exec(QStringLiteral("DROP TABLE IF EXISTS fw_search_probe")); }
+    } table;
+    SQLQuery create;
+    QVERIFY(create.exec(QStringLiteral("DROP TABLE IF EXISTS fw_search_probe")));
+    QVERIFY(create.exec(QStringLiteral(
+        "CREATE TABLE fw_search_probe (id SERIAL PRIMARY KEY, sp_name VARCHAR(40), sp_room INTEGER)")));
+    QVERIFY(create.exec(QStringLiteral("INSERT INTO fw_search_probe (sp_name, sp_room) VALUES "
+                                       "('Hall', 120), ('Office', 12), ('Lab', 7)")));
+    FwTableForm form;
+    form.setTableName(QStringLiteral("fw_search_probe"));
+    form.setMode(FwEnums::ModeRecord);
+    form.setState(FwEnums::StateReady);
+    auto* layout = new QVBoxLayout(&form);
+    auto* name = new FwPtrEdit(&form);
+    name->setObjectName(QStringLiteral("fpeName"));
+    name->setFieldName(QStringLiteral("sp_name"));
+    auto* room = new FwPtrEdit(&form);
+    room->setObjectName(QStringLiteral("fpeRoom"));
+    room->setFieldName(QStringLiteral("sp_room"));
+    layout->addWidget(name);
+    layout->addWidget(room);
+
+    // Part of the number finds the first room that holds it; the whole number only its own.
+    room->setText(QStringLiteral("12"));
+    QVERIFY2(form.priv()->execute(QString(), QString(), false, false), qPrintable(form.priv()->lastError()));
+    QCOMPARE(name->text(), QStringLiteral("Hall"));
+    name->clear();
+    room->setText(QStringLiteral("12"));
+    QVERIFY2(form.priv()->execute(QString(), QString(), true, false), qPrintable(form.priv()->lastError()));
+    QCOMPARE(name->text(), QStringLiteral("Office"));
+    // Text in a number field finds nothing, and is no error of the server's: a failed query would not
+    // tell of an empty result.
+    name->clear();
+    room->setText(QStringLiteral("seven"));
+    QSignalSpy empty(form.priv(), &FwTableBase::queryEmpty);
+    QVERIFY(!form.priv()->execute(QString(), QString(), false, false));
+    QCOMPARE(empty.count(), 1);
+    QVERIFY(!form.priv()->execute(QString(), QString(), true, true));
+    QCOMPARE(empty.count(), 2);
 }
 
 FW_TEST_MAIN(tst_DemoPostgres)
