@@ -8,6 +8,7 @@
 //
 // The suite runs six sequences; BK_DEMO_SEEDS="first-last" runs others, for a longer search by hand.
 
+#include "BkSequence.h"
 #include "FwTestApplication.h"
 
 #include <BkCalendar.h>
@@ -190,23 +191,7 @@ bool tst_DemoSequences::openFresh(const QString& name)
 
 void tst_DemoSequences::shouldKeepTheFileAndTheCalendarInStepThroughoutASequence_data()
 {
-    QTest::addColumn<quint32>("seed");
-    // A range that does not read as two numbers in order runs the suite's six.
-    quint32 first = 1;
-    quint32 last = 6;
-    const QList<QByteArray> range = qgetenv("BK_DEMO_SEEDS").split('-');
-    if (range.size() == 2) {
-        bool firstOk = false;
-        bool lastOk = false;
-        const quint32 from = range.at(0).toUInt(&firstOk);
-        const quint32 to = range.at(1).toUInt(&lastOk);
-        if (firstOk && lastOk && from <= to) {
-            first = from;
-            last = to;
-        }
-    }
-    for (quint64 seed = first; seed <= last; ++seed)
-        QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << quint32(seed);
+    BkTest::addSeedRows("BK_DEMO_SEEDS", 1, 6);
 }
 
 void tst_DemoSequences::shouldKeepTheFileAndTheCalendarInStepThroughoutASequence()

@@ -4,6 +4,7 @@
 // sequences also catch any use of a box or a booking after it is gone.
 
 #include "BkBookingScene.h"
+#include "BkSequence.h"
 #include "FwTestApplication.h"
 
 #include <BkCalendar.h>
@@ -890,25 +891,8 @@ private slots:
 
 void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequence_data()
 {
-    QTest::addColumn<quint32>("seed");
-    // The suite runs the first twelve sequences; BK_SEQUENCE_SEEDS="first-last" runs others, for a
-    // longer search by hand (a range that does not read as two numbers in order runs the twelve).
-    quint32 first = 1;
-    quint32 last = 12;
-    const QList<QByteArray> range = qgetenv("BK_SEQUENCE_SEEDS").split('-');
-    if (range.size() == 2) {
-        bool firstOk = false;
-        bool lastOk = false;
-        const quint32 from = range.at(0).toUInt(&firstOk);
-        const quint32 to = range.at(1).toUInt(&lastOk);
-        if (firstOk && lastOk && from <= to) {
-            first = from;
-            last = to;
-        }
-    }
-    // Counted wider than a seed, so that a range that ends at the largest seed ends too.
-    for (quint64 seed = first; seed <= last; ++seed)
-        QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << quint32(seed);
+    // The suite runs the first twelve sequences; BK_SEQUENCE_SEEDS="first-last" runs others.
+    BkTest::addSeedRows("BK_SEQUENCE_SEEDS", 1, 12);
 }
 
 void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequence()
