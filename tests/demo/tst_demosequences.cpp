@@ -415,11 +415,7 @@ void tst_DemoSequences::shouldKeepTheFileAndTheCalendarInStepThroughoutASequence
             break;
         case 19:
         case 20: {
-            // The form's keys: through the columns and bookings, a day back or forward, and a booking
-            // parked on the move list and taken back into the selected column.
-            static const Qt::Key keys[] = {Qt::Key_Left,   Qt::Key_Right,    Qt::Key_Up, Qt::Key_Down,
-                                           Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_X,  Qt::Key_V};
-            const Qt::Key key = keys[random.bounded(8)];
+            const Qt::Key key = BkTest::someFormKey(random);
             did = QStringLiteral("Ctrl+%1").arg(QKeySequence(key).toString());
             QTest::keyClick(calendar, key, Qt::ControlModifier);
             break;
