@@ -78,6 +78,54 @@ void addSchedules(BkCalendarModel* model, bool lunchOnOddDays)
     }
 }
 
+// Some of the people and rooms, at least one, in some order.
+QList<BkCalendarResource> someGroup(QRandomGenerator& random)
+{
+    QList<BkCalendarResource> group = people();
+    std::shuffle(group.begin(), group.end(), random);
+    return group.mid(0, 1 + random.bounded(group.size()));
+}
+
+// A form that offers every view, resized and shown. Every other seed's form has the docks: the date
+// picker, the job list and the move list.
+BkCalendar* newForm(quint32 seed)
+{
+    const int noDocks = seed % 2 ? 0 : int(BkCalendar::NoDocks);
+    auto* form = new BkCalendar(nullptr, noDocks | BkCalendar::Show1Day | BkCalendar::Show5Day |
+                                             BkCalendar::Show7Day | BkCalendar::ShowGroup);
+    form->resize(900, 600);
+    form->show();
+    return form;
+}
+
+// Everybody's schedule, and the form on Wednesday with the first person and everybody in the group.
+void showEverybody(BkCalendar* form, bool lunchOnOddDays)
+{
+    addSchedules(form->model(), lunchOnOddDays);
+    form->setResource(people().at(0));
+    form->setResourceList(people());
+    form->setDate(Wednesday);
+}
+
+// One of the form's views: 0 a day, 1 five days, 2 seven days, 3 the group.
+void showView(BkCalendar* form, int which)
+{
+    switch (which) {
+    case 0:
+        form->show1Day();
+        break;
+    case 1:
+        form->show5Day();
+        break;
+    case 2:
+        form->show7Day();
+        break;
+    default:
+        form->showGroup();
+        break;
+    }
+}
+
 // What a box may hold: nothing, once its booking is gone or removed, or a booking that its model
 // still files under the box's column. A drag takes the box along to the column under the pointer, and
 // when the booking goes back (the drag leaves the scene, the answer is No, or a rollback comes before
@@ -790,12 +838,9 @@ private:
             form->show5Day();
             break;
         case 6:
-        case 7: {
-            QList<BkCalendarResource> group = people();
-            std::shuffle(group.begin(), group.end(), mRandom);
-            form->setResourceList(group.mid(0, 1 + mRandom.bounded(group.size())));
+        case 7:
+            form->setResourceList(someGroup(mRandom));
             break;
-        }
         case 8:
         case 9:
             form->view()->updateWidgets();
@@ -903,12 +948,7 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
     QRandomGenerator drags(seed * 7919u);
     // So do the steps on plans, widths, the picker, the scale and the width type.
     QRandomGenerator extras(seed * 104723u);
-    // Every other sequence runs with the docks: the date picker, the job list and the move list.
-    const int noDocks = seed % 2 ? 0 : int(BkCalendar::NoDocks);
-    auto* form = new BkCalendar(nullptr, noDocks | BkCalendar::Show1Day | BkCalendar::Show5Day |
-                                             BkCalendar::Show7Day | BkCalendar::ShowGroup);
-    form->resize(900, 600);
-    form->show();
+    BkCalendar* form = newForm(seed);
     BkCalendarModel* model = form->model();
     int nextId = 1;
     auto newBooking = [&]() {
@@ -939,10 +979,7 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
                 });
     }
     // Moves and drops have somewhere to go and, at lunch on odd days, somewhere they are refused.
-    addSchedules(model, true);
-    form->setResource(people().at(0));
-    form->setResourceList(people());
-    form->setDate(Wednesday);
+    showEverybody(form, true);
     // Saves go nowhere; what matters is that the bookings they hand over are the model's own.
     connect(model, &BkCalendarModel::saveItems, this, [model](const QList<BkCalendarItem*>& items) {
         for (BkCalendarItem* item : items)
@@ -965,28 +1002,18 @@ void tst_BkCalendarSequences::shouldKeepBoxesAndBookingsInStepThroughoutASequenc
         const int what = random.bounded(23);
         switch (what) {
         case 0:
-            form->show1Day();
-            break;
         case 1:
-            form->show5Day();
-            break;
         case 2:
-            form->show7Day();
-            break;
         case 3:
-            form->showGroup();
+            showView(form, what);
             break;
         case 4:
             form->setDate(someDay());
             break;
-        case 5: {
-            QList<BkCalendarResource> group = people();
-            std::shuffle(group.begin(), group.end(), random);
-            group = group.mid(0, 1 + random.bounded(group.size()));
-            form->setResourceList(group);
+        case 5:
+            form->setResourceList(someGroup(random));
             form->showGroup();
             break;
-        }
         case 6:
             form->setTimeSteps(random.bounded(2) ? 15 : 30);
             form->setInterval(QTime(6 + random.bounded(3), 0), QTime(17 + random.bounded(4), 0));
@@ -1132,16 +1159,9 @@ void tst_BkCalendarSequences::shouldSurviveAHostThatAnswersEverySignalWithAnythi
 {
     QFETCH(quint32, seed);
     QRandomGenerator random(seed);
-    const int noDocks = seed % 2 ? 0 : int(BkCalendar::NoDocks);
-    QPointer<BkCalendar> form(new BkCalendar(nullptr, noDocks | BkCalendar::Show1Day | BkCalendar::Show5Day |
-                                                          BkCalendar::Show7Day | BkCalendar::ShowGroup));
-    form->resize(900, 600);
-    form->show();
+    QPointer<BkCalendar> form(newForm(seed));
     BkCalendarModel* model = form->model();
-    addSchedules(model, false);
-    form->setResource(people().at(0));
-    form->setResourceList(people());
-    form->setDate(Wednesday);
+    showEverybody(form, false);
     // Every few signals the host does something: more often in the first sequences.
     HostileHost host(form, seed * 104729u, 3 + int(seed % 4));
     for (int n = 0; n < 6; ++n)
@@ -1184,27 +1204,18 @@ void tst_BkCalendarSequences::shouldSurviveAHostThatAnswersEverySignalWithAnythi
                                                       anyone.type, extras.bounded(2));
         switch (what) {
         case 0:
-            form->show1Day();
-            break;
         case 1:
-            form->show5Day();
-            break;
         case 2:
-            form->show7Day();
-            break;
         case 3:
-            form->showGroup();
+            showView(form, what);
             break;
         case 4:
             form->setDate(host.someDay());
             break;
-        case 5: {
-            QList<BkCalendarResource> group = people();
-            std::shuffle(group.begin(), group.end(), random);
-            form->setResourceList(group.mid(0, 1 + random.bounded(group.size())));
+        case 5:
+            form->setResourceList(someGroup(random));
             form->showGroup();
             break;
-        }
         case 6:
             form->showMonth();
             break;
