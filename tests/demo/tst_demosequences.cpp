@@ -39,6 +39,7 @@
 namespace {
 const QDate Wednesday(2026, 11, 25);
 const QString OtherConnection = QStringLiteral("another program");
+const BkCalendarResource Anna(1, QStringLiteral("Anna Berg"), 0);
 
 // Runs `use` on the file through a connection of its own, as another program would.
 template <typename Use> bool onOwnConnection(const QString& file, Use use)
@@ -85,6 +86,35 @@ bool runSql(const QString& file, const QString& sql, const QVariantList& values)
         ok = query.exec() && query.numRowsAffected() == 1;
     });
     return ok;
+}
+
+// Another program writes the text of the booking `id`, or deletes it; true when it found the row.
+bool anotherProgramWritesText(const QString& file, int id, const QString& text)
+{
+    return runSql(file, QStringLiteral("UPDATE demo_booking SET bk_text = ? WHERE id = ?"), {text, id});
+}
+
+bool anotherProgramDeletes(const QString& file, int id)
+{
+    return runSql(file, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), {id});
+}
+
+// The window shows the day of Wednesday.
+void showWednesday(DemoWindow& window)
+{
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+}
+
+// A booking of Wednesday from 16:00 to 16:30.
+DemoBookingRow afternoonRow(const QString& title)
+{
+    DemoBookingRow row;
+    row.date = Wednesday;
+    row.start = QTime(16, 0);
+    row.end = QTime(16, 30);
+    row.title = title;
+    return row;
 }
 
 // Opens the program's database file again, read-only or writable, under the running program.
@@ -220,8 +250,7 @@ void tst_DemoSequences::shouldKeepTheFileAndTheCalendarInStepThroughoutASequence
 
     DemoWindow window(1);
     window.resize(1200, 800);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     window.show();
     BkCalendar* calendar = window.calendar();
     BkCalendarModel* model = calendar->model();
@@ -398,12 +427,11 @@ void tst_DemoSequences::shouldKeepTheFileAndTheCalendarInStepThroughoutASequence
             const int id = shown ? shown->id.toInt() : ids.at(random.bounded(ids.size()));
             if (what == 16) {
                 did = QStringLiteral("another program writes the text of %1").arg(id);
-                if (runSql(mFile, QStringLiteral("UPDATE demo_booking SET bk_text = ? WHERE id = ?"),
-                           {QStringLiteral("Other %1").arg(step), id}))
+                if (anotherProgramWritesText(mFile, id, QStringLiteral("Other %1").arg(step)))
                     foreignText << id;
             } else if (random.bounded(3) == 0) {
                 did = QStringLiteral("another program deletes %1").arg(id);
-                if (runSql(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), {id}))
+                if (anotherProgramDeletes(mFile, id))
                     foreignRemoved << id;
             }
             break;
@@ -512,18 +540,11 @@ void tst_DemoSequences::shouldBringBackAnotherProgramsEditWhenAnUndoneCreationIs
 {
     QVERIFY2(openFresh(QStringLiteral("creation.sqlite")), qPrintable(mDb.lastError()));
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
-    DemoBookingRow row;
-    row.date = Wednesday;
-    row.start = QTime(16, 0);
-    row.end = QTime(16, 30);
-    row.title = QStringLiteral("Created");
-    BkCalendarItem* item = window.createBooking(BkCalendarResource(1, QStringLiteral("Anna Berg"), 0), row);
+    showWednesday(window);
+    BkCalendarItem* item = window.createBooking(Anna, afternoonRow(QStringLiteral("Created")));
     QVERIFY(item);
     const int id = item->id.toInt();
-    QVERIFY(runSql(mFile, QStringLiteral("UPDATE demo_booking SET bk_text = ? WHERE id = ?"),
-                   {QStringLiteral("Written elsewhere"), id}));
+    QVERIFY(anotherProgramWritesText(mFile, id, QStringLiteral("Written elsewhere")));
     const Snapshot before = snapshot(mFile);
 
     window.undoChange();
@@ -546,23 +567,17 @@ void tst_DemoSequences::shouldWriteOnlyWhatAnUndoOrRedoTakesBack()
 {
     QVERIFY2(openFresh(QStringLiteral("undo.sqlite")), qPrintable(mDb.lastError()));
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
-    DemoBookingRow row;
-    row.date = Wednesday;
-    row.start = QTime(16, 0);
-    row.end = QTime(16, 30);
-    row.title = QStringLiteral("Moved");
+    showWednesday(window);
+    DemoBookingRow row = afternoonRow(QStringLiteral("Moved"));
     row.text = QStringLiteral("Written here");
-    BkCalendarItem* item = window.createBooking(BkCalendarResource(1, QStringLiteral("Anna Berg"), 0), row);
+    BkCalendarItem* item = window.createBooking(Anna, row);
     QVERIFY(item);
     const int id = item->id.toInt();
     item->setTime(QTime(16, 15), QTime(16, 45));
     item->commit(true);
     QCOMPARE(window.undoStack()->count(), 2);
     QCOMPARE(storedValue(mFile, QStringLiteral("bk_start"), id).toString(), QStringLiteral("16:15:00"));
-    QVERIFY(runSql(mFile, QStringLiteral("UPDATE demo_booking SET bk_text = ? WHERE id = ?"),
-                   {QStringLiteral("Written elsewhere"), id}));
+    QVERIFY(anotherProgramWritesText(mFile, id, QStringLiteral("Written elsewhere")));
 
     window.undoChange();
     QCOMPARE(window.undoStack()->index(), 1);
@@ -594,21 +609,15 @@ void tst_DemoSequences::shouldNotBringBackByUndoABookingThatAnotherProgramDelete
 {
     QVERIFY2(openFresh(QStringLiteral("gone.sqlite")), qPrintable(mDb.lastError()));
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     BkCalendarModel* model = window.calendar()->model();
-    DemoBookingRow row;
-    row.date = Wednesday;
-    row.start = QTime(16, 0);
-    row.end = QTime(16, 30);
-    row.title = QStringLiteral("Deleted elsewhere");
-    BkCalendarItem* item = window.createBooking(BkCalendarResource(1, QStringLiteral("Anna Berg"), 0), row);
+    BkCalendarItem* item = window.createBooking(Anna, afternoonRow(QStringLiteral("Deleted elsewhere")));
     QVERIFY(item);
     const int id = item->id.toInt();
     item->setTime(QTime(16, 15), QTime(16, 45));
     item->commit(true);
     QCOMPARE(window.undoStack()->count(), 2);
-    QVERIFY(runSql(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), {id}));
+    QVERIFY(anotherProgramDeletes(mFile, id));
 
     window.undoChange();
     QVERIFY(storedValue(mFile, QStringLiteral("id"), id).isNull());
@@ -630,24 +639,18 @@ void tst_DemoSequences::shouldGiveANewBookingAnIdThatNoBookingHadBefore()
 {
     QVERIFY2(openFresh(QStringLiteral("ids.sqlite")), qPrintable(mDb.lastError()));
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     BkCalendarModel* model = window.calendar()->model();
-    const BkCalendarResource anna(1, QStringLiteral("Anna Berg"), 0);
-    DemoBookingRow row;
-    row.date = Wednesday;
-    row.start = QTime(16, 0);
-    row.end = QTime(16, 30);
-    row.title = QStringLiteral("Deleted elsewhere");
-    BkCalendarItem* first = window.createBooking(anna, row);
+    DemoBookingRow row = afternoonRow(QStringLiteral("Deleted elsewhere"));
+    BkCalendarItem* first = window.createBooking(Anna, row);
     QVERIFY(first);
     const int firstId = first->id.toInt();
-    QVERIFY(runSql(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), {firstId}));
+    QVERIFY(anotherProgramDeletes(mFile, firstId));
 
     row.start = QTime(16, 30);
     row.end = QTime(17, 0);
     row.title = QStringLiteral("Created after");
-    BkCalendarItem* second = window.createBooking(anna, row);
+    BkCalendarItem* second = window.createBooking(Anna, row);
     QVERIFY(second);
     const int secondId = second->id.toInt();
     QVERIFY(secondId != firstId);
@@ -689,14 +692,9 @@ void tst_DemoSequences::shouldKeepTheBookingsOfAnOlderFileWhenItsIdsAreMadeUniqu
     QVERIFY2(mDb.open(connection, Wednesday), qPrintable(mDb.lastError()));
     QCOMPARE(mDb.version(), DemoDatabase::latestVersion());
     QCOMPARE(snapshot(mFile), before);
-    QVERIFY(runSql(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), {last}));
+    QVERIFY(anotherProgramDeletes(mFile, last));
     DemoWindow window(1);
-    DemoBookingRow row;
-    row.date = Wednesday;
-    row.start = QTime(16, 0);
-    row.end = QTime(16, 30);
-    row.title = QStringLiteral("New");
-    BkCalendarItem* item = window.createBooking(BkCalendarResource(1, QStringLiteral("Anna Berg"), 0), row);
+    BkCalendarItem* item = window.createBooking(Anna, afternoonRow(QStringLiteral("New")));
     QVERIFY(item);
     QVERIFY(item->id.toInt() > last);
 }
