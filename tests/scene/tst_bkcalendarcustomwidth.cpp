@@ -39,6 +39,15 @@ void followWidth(BkCalendarColumn* column)
                      [column]() { column->update(); });
 }
 
+// Room 7's resizable column, following its own width, in the shown scene.
+BkCalendarColumn* showRoomColumn(BookingScene& s)
+{
+    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
+    followWidth(column);
+    s.show();
+    return column;
+}
+
 // The middle of the grip of a column's header, in scene coordinates.
 QPointF gripPoint(BkCalendarColumn* column)
 {
@@ -137,9 +146,7 @@ private slots:
 void tst_BkCalendarCustomWidth::firstDragAppendsAndSecondRewrites()
 {
     BookingScene s;
-    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
-    followWidth(column);
-    s.show();
+    BkCalendarColumn* column = showRoomColumn(s);
     QCOMPARE(column->boundingRect().width(), 200.0);
     QVERIFY(!column->customSize());
 
@@ -190,9 +197,7 @@ void tst_BkCalendarCustomWidth::gripDragFollowsThePointerLive()
 void tst_BkCalendarCustomWidth::pressOutsideTheGripChangesNothing()
 {
     BookingScene s;
-    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
-    followWidth(column);
-    s.show();
+    BkCalendarColumn* column = showRoomColumn(s);
 
     const QPointF from = column->header()->mapToScene(QPointF(40, 10));
     s.press(from);
@@ -208,9 +213,7 @@ void tst_BkCalendarCustomWidth::pressOutsideTheGripChangesNothing()
 void tst_BkCalendarCustomWidth::rightPressInTheGripStartsNoDrag()
 {
     BookingScene s;
-    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
-    followWidth(column);
-    s.show();
+    BkCalendarColumn* column = showRoomColumn(s);
 
     const QPointF from = gripPoint(column);
     s.press(from, Qt::RightButton);
@@ -326,9 +329,7 @@ void tst_BkCalendarCustomWidth::columnGoneMidDragGivesTheCursorBack()
     // the width of a column on its way out is not stored.
     QFETCH(int, how);
     BookingScene s;
-    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
-    followWidth(column);
-    s.show();
+    BkCalendarColumn* column = showRoomColumn(s);
 
     const QPointF from = gripPoint(column);
     s.press(from);
@@ -366,9 +367,7 @@ void tst_BkCalendarCustomWidth::grabLostMidDragEndsTheDragAtTheWidthShown()
     // Another item can take the mouse while the user drags a grip; the release then never reaches
     // the header. The drag ends there, at the width the column shows.
     BookingScene s;
-    BkCalendarColumn* column = s.addColumn(Day, Room7, true, 1);
-    followWidth(column);
-    s.show();
+    BkCalendarColumn* column = showRoomColumn(s);
 
     const QPointF from = gripPoint(column);
     s.press(from);
