@@ -67,6 +67,13 @@ struct Week
             column->setSelected(true);
     }
     int rows() const { return form.moveList()->topLevelItemCount(); }
+    // Anna's booking, added to the model and parked on the move list.
+    BkCalendarItem* park(int id, const QDate& date, QTime start, QTime end, const QString& title)
+    {
+        BkCalendarItem* item = addBooking(form.model(), id, date, start, end, title);
+        form.addToMoveList(item);
+        return item;
+    }
     BkCalendar form;
 };
 
@@ -207,9 +214,7 @@ void tst_BkCalendarMoveList::shouldMoveIntoTheSelectedColumnAndCommit()
 void tst_BkCalendarMoveList::shouldLeaveTheRowWithoutASelectedColumn()
 {
     Week w;
-    BkCalendarItem* item =
-        addBooking(w.form.model(), 7, Monday, QTime(9, 0), QTime(10, 0), QStringLiteral("Visit"));
-    w.form.addToMoveList(item);
+    BkCalendarItem* item = w.park(7, Monday, QTime(9, 0), QTime(10, 0), QStringLiteral("Visit"));
     w.selectOnly(nullptr);
     w.form.moveFromList();
     QCOMPARE(w.rows(), 1);
@@ -221,9 +226,7 @@ void tst_BkCalendarMoveList::shouldLeaveRowAndBookingOnARefusedMove()
 {
     Week w;
     // 06:00 lies before the day's plan: the column refuses.
-    BkCalendarItem* item =
-        addBooking(w.form.model(), 7, Monday, QTime(6, 0), QTime(6, 30), QStringLiteral("Early"));
-    w.form.addToMoveList(item);
+    BkCalendarItem* item = w.park(7, Monday, QTime(6, 0), QTime(6, 30), QStringLiteral("Early"));
     w.selectOnly(w.column(2));
     w.form.moveFromList();
     QCOMPARE(w.rows(), 1);
@@ -289,9 +292,7 @@ void tst_BkCalendarMoveList::shouldLeaveRowsThatTheHostChangesWhileTakingOff()
 void tst_BkCalendarMoveList::shouldSelectNoBookingThatTheHostTakesAwayWhileTakingOff()
 {
     Week w;
-    BkCalendarItem* item =
-        addBooking(w.form.model(), 7, Monday, QTime(9, 0), QTime(10, 0), QStringLiteral("Taken"));
-    w.form.addToMoveList(item);
+    BkCalendarItem* item = w.park(7, Monday, QTime(9, 0), QTime(10, 0), QStringLiteral("Taken"));
     w.selectOnly(w.column(2));
     // A host that drops the booking as soon as nothing is selected any more.
     QObject::connect(&w.form, &BkCalendar::selectionChanged, &w.form, [&] {
@@ -310,9 +311,7 @@ void tst_BkCalendarMoveList::shouldSelectNoBookingThatTheHostTakesAwayWhileTakin
 void tst_BkCalendarMoveList::shouldStopTakingOffABookingThatTheHostTakesAwayOnItsNewDay()
 {
     Week w;
-    BkCalendarItem* item =
-        addBooking(w.form.model(), 7, Monday, QTime(9, 0), QTime(10, 0), QStringLiteral("Taken"));
-    w.form.addToMoveList(item);
+    BkCalendarItem* item = w.park(7, Monday, QTime(9, 0), QTime(10, 0), QStringLiteral("Taken"));
     w.selectOnly(w.column(2));
     // A host that reloads a booking as soon as it hears of its new day: the booking goes between
     // the new day and the new person.
@@ -378,9 +377,7 @@ void tst_BkCalendarMoveList::shouldAdvanceOnCtrlXOfAParkedBooking()
 void tst_BkCalendarMoveList::shouldTakeOffWithCtrlV()
 {
     Week w;
-    BkCalendarItem* item =
-        addBooking(w.form.model(), 1, Monday, QTime(8, 0), QTime(9, 0), QStringLiteral("first"));
-    w.form.addToMoveList(item);
+    BkCalendarItem* item = w.park(1, Monday, QTime(8, 0), QTime(9, 0), QStringLiteral("first"));
     w.selectOnly(w.column(1));
     QTest::keyClick(&w.form, Qt::Key_V);
     QCOMPARE(w.rows(), 1);
@@ -474,9 +471,7 @@ void tst_BkCalendarMoveList::shouldIgnoreForeignDrops()
 void tst_BkCalendarMoveList::shouldStartADragOfTheRowUnderThePointer()
 {
     Week w;
-    BkCalendarItem* item =
-        addBooking(w.form.model(), 42, Wednesday, QTime(8, 0), QTime(9, 0), QStringLiteral("row"));
-    w.form.addToMoveList(item);
+    w.park(42, Wednesday, QTime(8, 0), QTime(9, 0), QStringLiteral("row"));
     FwTreeWidget* list = w.form.moveList();
     // The dock floats on its own, as when the user tears it off the main window.
     w.form.moveDock()->setFloating(true);
