@@ -119,6 +119,18 @@ int countRows(const QString& file, const QString& sql)
     return result;
 }
 
+// The rows of the booking `id` in the file: 1 while it is stored, 0 once it is gone.
+int rowsOf(const QString& file, int id)
+{
+    return countRows(file, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE id = %1").arg(id));
+}
+
+// Another program deletes the booking `id`; true when it found the row.
+bool anotherProgramDeletes(const QString& file, int id)
+{
+    return writeBack(file, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), id);
+}
+
 BkCalendarColumn* columnOf(BkCalendar* calendar, const BkCalendarResource& who)
 {
     for (BkCalendarColumn* column : calendar->view()->getColumnList())
@@ -127,7 +139,6 @@ BkCalendarColumn* columnOf(BkCalendar* calendar, const BkCalendarResource& who)
     return nullptr;
 }
 
-// A plain booking of the column that can move a quarter of an hour later inside its plan.
 // Opens the program's database file again, read-only or writable, under the running program.
 bool reopenDatabase(bool readOnly)
 {
@@ -137,6 +148,14 @@ bool reopenDatabase(bool readOnly)
     return db.open();
 }
 
+// The window shows the day of Wednesday.
+void showWednesday(DemoWindow& window)
+{
+    window.showView(DemoWindow::Day);
+    window.calendar()->setDate(Wednesday);
+}
+
+// A plain booking of the column that can move a quarter of an hour later inside its plan.
 BkCalendarItem* movableBooking(BkCalendarColumn* column)
 {
     for (BkCalendarItem* item : column->getItems(true)) {
@@ -328,8 +347,7 @@ void tst_DemoApp::shouldFindEverythingAfterReopening()
 void tst_DemoApp::shouldWriteCreationEditDeletionAndTheirUndo()
 {
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     QUndoStack* undo = window.undoStack();
     BkCalendarModel* model = window.calendar()->model();
     const QString titleSql = QStringLiteral("SELECT bk_title FROM demo_booking WHERE id = ?");
@@ -388,8 +406,7 @@ void tst_DemoApp::shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges()
     int id = 0;
     {
         DemoWindow window(1);
-        window.showView(DemoWindow::Day);
-        window.calendar()->setDate(Wednesday);
+        showWednesday(window);
         BkCalendarItem* item =
             window.createBooking(Anna, wednesdayRow(QTime(16, 30), QTime(16, 45), QStringLiteral("Raw")));
         QVERIFY(item);
@@ -405,8 +422,7 @@ void tst_DemoApp::shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges()
     };
 
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     BkCalendarItem* item = window.calendar()->model()->findId(id);
     QVERIFY(item);
     QSignalSpy saved(window.calendar(), &BkCalendar::saveItems);
@@ -433,8 +449,7 @@ void tst_DemoApp::shouldKeepStoredValuesItCannotReadWhenAnotherFieldChanges()
 void tst_DemoApp::shouldLoseNothingWhenASaveFails()
 {
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     BkCalendarColumn* column = window.calendar()->view()->getColumnList().first();
     BkCalendarItem* item = movableBooking(column);
     QVERIFY(item);
@@ -481,8 +496,7 @@ void tst_DemoApp::shouldLoseNothingWhenASaveFails()
 void tst_DemoApp::shouldAskBeforeClosingOnChangesItCouldNotSave()
 {
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     BkCalendarItem* item = movableBooking(window.calendar()->view()->getColumnList().first());
@@ -516,8 +530,7 @@ void tst_DemoApp::shouldAskBeforeClosingOnChangesItCouldNotSave()
 
     // Once more on a file that stays read-only, answered Yes: the window goes, the file is untouched.
     DemoWindow second(1);
-    second.showView(DemoWindow::Day);
-    second.calendar()->setDate(Wednesday);
+    showWednesday(second);
     second.show();
     QVERIFY(QTest::qWaitForWindowExposed(&second));
     BkCalendarItem* again = second.calendar()->model()->findId(id);
@@ -557,8 +570,7 @@ void tst_DemoApp::shouldTellWhenTheGroupOrTheSettingsCouldNotBeSaved()
     QVERIFY(!group.isEmpty());
     QVERIFY(!snap.isEmpty());
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     QSignalSpy failed(window.store(), &DemoStore::saveFailed);
     QVERIFY(reopenDatabase(true));
 
@@ -617,8 +629,7 @@ void tst_DemoApp::shouldTellWhenTheGroupOrTheSettingsCouldNotBeSaved()
 void tst_DemoApp::shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit()
 {
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     BkCalendarColumn* column = window.calendar()->view()->getColumnList().first();
     BkCalendarItem* item = movableBooking(column);
     QVERIFY(item);
@@ -659,8 +670,7 @@ void tst_DemoApp::shouldWriteOnlyWhatMovedAndKeepAnotherProgramsEdit()
 void tst_DemoApp::shouldNotBringBackABookingThatAnotherProgramDeleted()
 {
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     BkCalendarModel* model = window.calendar()->model();
     BkCalendarColumn* column = window.calendar()->view()->getColumnList().first();
     BkCalendarItem* item = movableBooking(column);
@@ -673,7 +683,7 @@ void tst_DemoApp::shouldNotBringBackABookingThatAnotherProgramDeleted()
     QVERIFY(other);
     const int otherId = other->id.toInt();
     const int shown = column->getItems(true).size();
-    QVERIFY(writeBack(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), id));
+    QVERIFY(anotherProgramDeletes(mFile, id));
 
     QSignalSpy written(window.store(), &DemoStore::written);
     FwApplication::app()->clearMessage();
@@ -681,7 +691,7 @@ void tst_DemoApp::shouldNotBringBackABookingThatAnotherProgramDeleted()
     item->commit(false);
     window.setStatus(other, 4);
     QTRY_COMPARE_WITH_TIMEOUT(written.count(), 1, 20000);
-    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE id = %1").arg(id)), 0);
+    QCOMPARE(rowsOf(mFile, id), 0);
     QVERIFY(!model->findId(id));
     QCOMPARE(column->getItems(true).size(), shown - 1);
     QVERIFY(model->invalidItems().isEmpty());
@@ -714,8 +724,7 @@ void tst_DemoApp::shouldLetGoOfABookingThatASaveTookOffWhileItsMenuOrDialogWasOp
 {
     QFETCH(QString, entry);
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     BkCalendarModel* model = window.calendar()->model();
     BkCalendarColumn* column = window.calendar()->view()->getColumnList().first();
     BkCalendarItem* item = movableBooking(column);
@@ -724,7 +733,7 @@ void tst_DemoApp::shouldLetGoOfABookingThatASaveTookOffWhileItsMenuOrDialogWasOp
     // Put back at the end, for the tests that follow and look for a booking to move on this day.
     std::optional<DemoBookingRow> stored = window.store()->readRow(id);
     QVERIFY(stored);
-    QVERIFY(writeBack(mFile, QStringLiteral("DELETE FROM demo_booking WHERE id = ?"), id));
+    QVERIFY(anotherProgramDeletes(mFile, id));
     item->setTime(item->start().addSecs(15 * 60), item->end().addSecs(15 * 60));
     item->commit(false);
 
@@ -768,13 +777,13 @@ void tst_DemoApp::shouldLetGoOfABookingThatASaveTookOffWhileItsMenuOrDialogWasOp
 
     QVERIFY(!model->findId(id));
     QVERIFY(model->invalidItems().isEmpty());
-    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE id = %1").arg(id)), 0);
+    QCOMPARE(rowsOf(mFile, id), 0);
     QCOMPARE(window.calendar()->moveList()->topLevelItemCount(), 0);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE id = %1").arg(id)), 0);
+    QCOMPARE(rowsOf(mFile, id), 0);
 
     QVERIFY(window.store()->writeRow(*stored));
-    QCOMPARE(countRows(mFile, QStringLiteral("SELECT COUNT(*) FROM demo_booking WHERE id = %1").arg(id)), 1);
+    QCOMPARE(rowsOf(mFile, id), 1);
 }
 
 // The calendar asks for each day once, but a host can't tell a repeated request from a new one: the
@@ -782,8 +791,7 @@ void tst_DemoApp::shouldLetGoOfABookingThatASaveTookOffWhileItsMenuOrDialogWasOp
 void tst_DemoApp::shouldAddEachPlanOnceWhenARangeIsAskedTwice()
 {
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     BkCalendarModel* model = window.calendar()->model();
     BkCalendarColumn* column = columnOf(window.calendar(), Anna);
     QVERIFY(column);
@@ -961,8 +969,7 @@ void tst_DemoApp::shouldAnswerARequestWithoutAFirstDay()
 void tst_DemoApp::shouldKeepAStepThatCouldNotBeUndoneForTheNextTry()
 {
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     QUndoStack* stack = window.undoStack();
     QAction* undo = nullptr;
     for (QAction* action : window.findChildren<QAction*>())
@@ -1041,8 +1048,7 @@ void tst_DemoApp::shouldGiveABookingWithoutColoursAndABlockWithoutAKindPlainOnes
                                      "'19:00:00', 1, 'evening'), (900004, '2026-11-25', 0, 1, '07:00:00', "
                                      "'08:00:00', 1, 2)")));
     DemoWindow window(1);
-    window.showView(DemoWindow::Day);
-    window.calendar()->setDate(Wednesday);
+    showWednesday(window);
     BkCalendarModel* model = window.calendar()->model();
     BkCalendarItem* item = model->findId(900002);
     QVERIFY(item);
