@@ -1135,8 +1135,12 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
             if (gone())
                 return false;
         } else {
-            // The box rewires itself to this column's width in its itemChange.
+            // The box rewires itself to this column's width in its itemChange, and shares that width
+            // from now on, as a box made here does, not the one it came with.
             widget->setParentItem(this);
+            if (gone())
+                return false;
+            widget->widthChanged(mRect.width());
         }
     }
     item->setTime(s, e);

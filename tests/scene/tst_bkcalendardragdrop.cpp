@@ -96,6 +96,7 @@ private slots:
     void enterAcceptsOnlyTheTwoFormats();
     void bookingFollowsThePointerUncommitted();
     void dragOverThreeColumnsReparentsAtEveryAllowedStep();
+    void boxTakesTheWidthOfTheColumnItIsDraggedInto();
     void refusedMoveIsStillAcceptedAndTheDropCommitsTheLastGoodPlace();
     void bookingTakenAwayByTheAnswerToTheColumnsDateIsNotMoved_data();
     void bookingTakenAwayByTheAnswerToTheColumnsDateIsNotMoved();
@@ -210,6 +211,38 @@ void tst_BkCalendarDragDrop::dragOverThreeColumnsReparentsAtEveryAllowedStep()
     QCOMPARE(widget->columnRect().width(), 180.0);
     f.carl->setWidthScale(205.0, WidthFixed, -1.0);
     QCOMPARE(widget->columnRect().width(), 180.0);
+}
+
+void tst_BkCalendarDragDrop::boxTakesTheWidthOfTheColumnItIsDraggedInto()
+{
+    // Anna's column is widened by hand, Bert's is narrower: the box dragged across stands within
+    // Bert's width at once, beside Bert's own booking, and within Anna's again on the way back.
+    Fixture f;
+    BkCalendarItem* berts = f.s.addItem(2, Day, Bert.id, QVariant(), t(10, 0), t(11, 0));
+    f.bert->update();
+    f.anna->setWidthScale(365.0, WidthFixed, -1.0);
+    f.bert->setWidthScale(205.0, WidthFixed, -1.0);
+    auto data = calItemData("1");
+    BkCalendarItemWidget* widget = f.booking->widget;
+    QCOMPARE(widget->columnRect().width(), 360.0);
+
+    QVERIFY(f.dragTo(f.bert, t(10, 30), data.get()));
+    QVERIFY(f.drop(f.bert, t(10, 30), data.get()));
+    QCOMPARE(widget->parentItem(), f.bert);
+    QCOMPARE(widget->columnRect().width(), 200.0);
+    QCOMPARE(widget->colCount(), 2);
+    QCOMPARE(berts->widget->colCount(), 2);
+    const QRectF moved = widget->mapRectToParent(widget->boundingRect());
+    const QRectF own = berts->widget->mapRectToParent(berts->widget->boundingRect());
+    QVERIFY2(!moved.intersects(own), "the two boxes of Bert's column overlap");
+    QVERIFY(moved.right() <= 200.0);
+
+    QVERIFY(f.dragTo(f.anna, t(9, 0), data.get()));
+    QVERIFY(f.drop(f.anna, t(9, 0), data.get()));
+    QCOMPARE(widget->parentItem(), f.anna);
+    QCOMPARE(widget->columnRect().width(), 360.0);
+    QCOMPARE(widget->colCount(), 1);
+    QCOMPARE(widget->boundingRect().width(), 360.0);
 }
 
 void tst_BkCalendarDragDrop::refusedMoveIsStillAcceptedAndTheDropCommitsTheLastGoodPlace()
