@@ -13,8 +13,10 @@
 //  - pins the time zone to Europe/Berlin and the default locale to English (United States), so
 //    that day names, times and "today" read the same on every machine; a test may set another
 //    locale in its initTestCase;
-//  - turns on QStandardPaths' test mode, so local values (QSettings) go to a scratch place and
-//    never touch the user's own;
+//  - gives the local values (QSettings) a scratch folder of this run's own, so that they never
+//    touch the user's own, start empty, and are not shared with a run of the same test beside it
+//    (the framework takes in at once what another process writes to them); it also turns on
+//    QStandardPaths' test mode for the other standard places;
 //  - builds an FwApplication, so FwApplication::app() and iApp are set and settings can be written
 //    with FwApplication::app()->setValue(QVariant(1), "set_alwaysroundup", QString());
 //  - opens an SQLite ":memory:" database as Qt's default connection, which is what SQLDatabase()
@@ -25,9 +27,12 @@
 
 #include <FwApplication.h>
 
+#include <QDir>
+#include <QSettings>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <ctime>
@@ -39,6 +44,14 @@ template <typename TestClass> int runTest(int argc, char** argv, const char* nam
     tzset();
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     QStandardPaths::setTestModeEnabled(true);
+    const QTemporaryDir localValues(QDir::tempPath() + QStringLiteral("/fwcalendar-qttest-XXXXXX"));
+    if (!localValues.isValid()) {
+        qCritical("Cannot make a scratch folder for the local values: %s",
+                  qPrintable(localValues.errorString()));
+        return 1;
+    }
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, localValues.path());
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, localValues.path());
     FwApplication app(argc, argv);
     app.setAttribute(Qt::AA_Use96Dpi, true);
     QCoreApplication::setOrganizationName(QStringLiteral("FwCalendarTests"));
