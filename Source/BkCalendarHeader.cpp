@@ -240,6 +240,9 @@ void BkCalendarHeader::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
         return;
     if (event->button() == Qt::LeftButton)
         endGripDrag(true);
+    // Qt's release leaves only this header selected and tells the scene's listeners; a host that
+    // rebuilds the grid in its answer takes the header away while Qt goes on with it.
+    const BkCalendarHostVisit visit;
     QGraphicsItem::mouseReleaseEvent(event);
 }
 

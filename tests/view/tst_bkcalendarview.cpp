@@ -221,6 +221,7 @@ private slots:
     void shouldOutliveAColumnThatTheHostDropsOnAPlanDoubleClick();
     void shouldOutliveAColumnThatTheHostDropsOnAPlanRightClick();
     void shouldOutliveAHostThatRebuildsTheColumnsAsAHeaderIsPressed();
+    void shouldOutliveAHostThatRebuildsTheColumnsAsAClickEnds();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints_data();
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints();
     void shouldShowTheHostOnlyWholeBoxesAsTheFocusComesBack_data();
@@ -1232,6 +1233,40 @@ void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsAsAHeaderIsPres
     QCOMPARE(f.view.getColumnList().first()->resource().id.toInt(), 5);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!header);
+    QVERIFY(!f.view.grab().isNull());
+}
+
+void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsAsAClickEnds()
+{
+    // The press selects Monday's header, and the host answers by selecting Tuesday's header as well.
+    // The release leaves only the clicked header selected: the scene tells of it, and the host answers
+    // by showing a group. Qt goes on with the clicked header after the answer.
+    AnnasShownWeek f(true);
+    QVERIFY(f.ok);
+    BkCalendarColumn* monday = f.view.getColumnList().first();
+    BkCalendarColumn* tuesday = f.view.getColumnList().at(1);
+    const QPointer<BkCalendarColumn> clicked(monday);
+    int answers = 0;
+    bool rebuilt = false;
+    connect(f.view.scene(), &QGraphicsScene::selectionChanged, &f.view, [&] {
+        ++answers;
+        if (answers == 1) {
+            tuesday->header()->QGraphicsItem::setSelected(true);
+        } else if (!rebuilt && !tuesday->header()->isSelected()) {
+            rebuilt = true;
+            f.view.setResources({BkCalendarResource(5, QStringLiteral("Ben"), 0)});
+        }
+    });
+    const QPoint at = f.view.mapFromScene(monday->header()->sceneBoundingRect().center());
+    QTest::mouseClick(f.view.viewport(), Qt::LeftButton, Qt::NoModifier, at);
+
+    QVERIFY(rebuilt);
+    QCOMPARE(f.view.getColumnList().size(), 1);
+    QCOMPARE(f.view.getColumnList().first()->resource().id.toInt(), 5);
+    QVERIFY(clicked);
+    QVERIFY(!clicked->scene());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!clicked);
     QVERIFY(!f.view.grab().isNull());
 }
 
