@@ -9,6 +9,7 @@
 #include "BkCalendarNestedLoop.h"
 #include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
+#include "BkItemChangeNotice.h"
 #include "BkMinutes.h"
 #include "BkVariantInt.h"
 #include "FwApplication.h"
@@ -656,6 +657,8 @@ QVariant BkCalendarColumn::itemChange(QGraphicsItem::GraphicsItemChange change, 
         }
         checkCollisions();
     }
+    if (isItemChangeNotice(change))
+        return QVariant();
     return QGraphicsItem::itemChange(change, value);
 }
 

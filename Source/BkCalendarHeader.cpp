@@ -3,6 +3,7 @@
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
 #include "BkCalendarNestedLoop.h"
+#include "BkItemChangeNotice.h"
 #include "FwApplication.h"
 
 #include <FwMenu.h>
@@ -269,6 +270,8 @@ QVariant BkCalendarHeader::itemChange(GraphicsItemChange change, const QVariant&
     // deleted one, it stores no width.
     if (change == ItemSceneChange && !qvariant_cast<QGraphicsScene*>(value))
         endGripDrag(false);
+    if (isItemChangeNotice(change))
+        return QVariant();
     return QGraphicsItem::itemChange(change, value);
 }
 

@@ -6,6 +6,7 @@
 #include "BkCalendarNestedLoop.h"
 #include "BkCalendarPainting.h"
 #include "BkCalendarTimeScale.h"
+#include "BkItemChangeNotice.h"
 #include "BkMinutes.h"
 #include "BkVariantInt.h"
 #include "FwApplication.h"
@@ -456,6 +457,8 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
     default:
         break;
     }
+    if (isItemChangeNotice(change))
+        return QVariant();
     return QGraphicsItem::itemChange(change, value);
 }
 
