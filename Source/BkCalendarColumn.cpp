@@ -510,6 +510,9 @@ BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)
 {
     mLayoutMemo->settled = false;
     const BkCalendarModel* model = item->model;
+    // A box made while the column builds its boxes in one go takes its place once, below, instead of
+    // at its construction and again at its width; the layout runs only when all are made.
+    BkCalendarItemWidget::sPlaceLaterIn = mHoldLayout ? this : nullptr;
     auto* widget = new BkCalendarItemWidget(item, mScale, this);
     // The box's coming may let the host in. An answer that took the booking out of the model, deleted
     // it or took the box away leaves the column to go on without it.
@@ -532,7 +535,7 @@ BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)
         widget->widthChanged(mRect.width());
     }
     widget->setColorScheme(mScheme);
-    widget->updateInfo();
+    widget->placeNow();
     // Nothing reads key 0; the widget marks itself with 1 and the column with 0.
     widget->setData(0, 0);
     connect(widget, &BkCalendarItemWidget::itemContextMenu, this, &BkCalendarColumn::itemContextMenu);

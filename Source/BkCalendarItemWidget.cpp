@@ -164,6 +164,9 @@ BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeS
     , mScale(nullptr)
     , mScheme(nullptr)
 {
+    // Taken before anything can let the host in, whose answer may make boxes of its own.
+    mPlaceLater = column && sPlaceLaterIn == column;
+    sPlaceLaterIn = nullptr;
     if (mItem) {
         if (mItem->widget && mItem->widget->item() == mItem)
             otherBoxes()[mItem].append(mItem->widget);
@@ -292,9 +295,17 @@ void BkCalendarItemWidget::settleColours() const
     mColours = from;
 }
 
+BkCalendarColumn* BkCalendarItemWidget::sPlaceLaterIn = nullptr;
+
+void BkCalendarItemWidget::placeNow()
+{
+    mPlaceLater = false;
+    updateInfo();
+}
+
 void BkCalendarItemWidget::updateInfo()
 {
-    if (!mScale || !mItem)
+    if (!mScale || !mItem || mPlaceLater)
         return;
     // Written in place, since the layout comes here for every box whose share changes.
     Colours& from = mWantedColours ? *mWantedColours : mWantedColours.emplace();
@@ -331,7 +342,8 @@ void BkCalendarItemWidget::updateInfo()
 
 void BkCalendarItemWidget::widthChanged(double width)
 {
-    prepareGeometryChange();
+    if (!mPlaceLater)
+        prepareGeometryChange();
     mColumnRect.setWidth(width - 5.0);
     updateInfo();
 }

@@ -131,6 +131,8 @@ private:
     void letGoOfItem();
     // Makes the finished box a child of its column.
     void join(BkCalendarColumn* column);
+    // Ends a later placing: the box takes its size and place, as updateInfo gives them.
+    void placeNow();
     // Done at once to a box that is retired rather than deleted, so that nothing sees it any more.
     // The box mark is only data, which an item of the host's may carry too; such an item has no links.
     static void retire(QGraphicsItem* marked);
@@ -147,6 +149,12 @@ private:
     bool mExpanded;
     bool mDeleting;
     bool mJoining = false;
+    // Made by a column that builds its boxes in one go: the box takes its place only when the column
+    // has given it its width. Until then nothing can see it, and every move on the way would cost Qt
+    // its full round of notices for nothing.
+    bool mPlaceLater = false;
+    // The column whose next box places itself later; taken by that box as it begins.
+    static BkCalendarColumn* sPlaceLaterIn;
     QPointF mPressPos;
     QRectF mRect;
     QRectF mColumnRect;
