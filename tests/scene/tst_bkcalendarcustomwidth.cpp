@@ -63,6 +63,19 @@ void dragGrip(BookingScene& s, BkCalendarColumn* column, double dx)
     s.release(from + QPointF(dx, -2));
 }
 
+// Sends the scene a right click on the column's header, made with the mouse, and gives whether
+// anything took it.
+bool rightClickHeader(BookingScene& s, BkCalendarColumn* column)
+{
+    QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
+    event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
+    event.setScreenPos(QPoint(300, 40));
+    event.setReason(QGraphicsSceneContextMenuEvent::Mouse);
+    event.setAccepted(false);
+    QApplication::sendEvent(&s.scene, &event);
+    return event.isAccepted();
+}
+
 // Right-clicks the column's header and picks the first entry of its menu, as a user would: the menu
 // runs its own loop, which a timer watches. Gives the entries offered, none when no menu came within
 // 30 s, and whether the column took the event.
@@ -91,13 +104,7 @@ QStringList pickFirstHeaderEntry(BookingScene& s, BkCalendarColumn* column, bool
     });
     timer.start();
 
-    QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
-    event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
-    event.setScreenPos(QPoint(300, 40));
-    event.setReason(QGraphicsSceneContextMenuEvent::Mouse);
-    event.setAccepted(false);
-    QApplication::sendEvent(&s.scene, &event);
-    *accepted = event.isAccepted();
+    *accepted = rightClickHeader(s, column);
     return offered;
 }
 
@@ -553,11 +560,7 @@ void tst_BkCalendarCustomWidth::contextMenuOutlivesItsColumn()
         menu->close();
     });
     timer.start();
-    QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
-    event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
-    event.setScreenPos(QPoint(300, 40));
-    event.setReason(QGraphicsSceneContextMenuEvent::Mouse);
-    QApplication::sendEvent(&s.scene, &event);
+    rightClickHeader(s, column);
 
     QVERIFY(!header);
     // The menu goes once control is back in the event loop.
@@ -594,12 +597,8 @@ void tst_BkCalendarCustomWidth::contextMenuOnADayColumn()
     timer->start();
 
     // Twice: the menu is made once and then reused with one entry.
-    for (int i = 0; i < 2; ++i) {
-        QGraphicsSceneContextMenuEvent event(QEvent::GraphicsSceneContextMenu);
-        event.setScenePos(column->header()->mapToScene(QPointF(40, 10)));
-        event.setScreenPos(QPoint(300, 40));
-        QApplication::sendEvent(&s.scene, &event);
-    }
+    for (int i = 0; i < 2; ++i)
+        rightClickHeader(s, column);
     delete timer;
     QCOMPARE(shown, 2);
     QCOMPARE(offered, QStringList() << QStringLiteral("Remove custom size"));
