@@ -17,6 +17,18 @@ inline bool isItemChangeNotice(QGraphicsItem::GraphicsItemChange change)
     case QGraphicsItem::ItemChildAddedChange:
     case QGraphicsItem::ItemChildRemovedChange:
     case QGraphicsItem::ItemSceneHasChanged:
+    case QGraphicsItem::ItemFlagsHaveChanged:
+    case QGraphicsItem::ItemToolTipHasChanged:
+    case QGraphicsItem::ItemCursorHasChanged:
+    case QGraphicsItem::ItemVisibleHasChanged:
+    case QGraphicsItem::ItemEnabledHasChanged:
+    case QGraphicsItem::ItemSelectedHasChanged:
+    case QGraphicsItem::ItemZValueHasChanged:
+    case QGraphicsItem::ItemOpacityHasChanged:
+    case QGraphicsItem::ItemTransformHasChanged:
+    case QGraphicsItem::ItemRotationHasChanged:
+    case QGraphicsItem::ItemScaleHasChanged:
+    case QGraphicsItem::ItemTransformOriginPointHasChanged:
         return true;
     default:
         return false;
