@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Runs the built test suite again under a faked wall clock (Debian's faketime), at the instants where
 # a test that leans on the hour or on "today" would break: just after midnight, early morning, noon
-# on a Monday, Sunday evening and night, the last day of a month and of a year, and both days of a
-# daylight-saving change in Europe/Berlin. Run scripts/test.sh first: it builds and installs.
+# on a Monday and on a Thursday, Sunday evening and night, the last day of a month and of a year, and
+# both days of a daylight-saving change in Europe/Berlin. Run scripts/test.sh first: it builds and
+# installs.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -15,6 +16,7 @@ instants=(
     "2026-11-25 00:03:00"
     "2026-11-25 06:00:00"
     "2026-11-23 12:00:00"
+    "2026-11-26 12:00:00"
     "2026-11-22 19:59:00"
     "2026-11-22 23:59:00"
     "2026-11-30 23:58:00"
