@@ -150,8 +150,8 @@ private:
     bool mDeleting;
     bool mJoining = false;
     // Made by a column that builds its boxes in one go: the box takes its place only when the column
-    // has given it its width. Until then nothing can see it, and every move on the way would cost Qt
-    // its full round of notices for nothing.
+    // has given it its width. Nothing can see it between its joining and then, and every move on the
+    // way would cost Qt its full round of notices for nothing.
     bool mPlaceLater = false;
     // The column whose next box places itself later; taken by that box as it begins.
     static BkCalendarColumn* sPlaceLaterIn;
