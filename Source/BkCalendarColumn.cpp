@@ -596,8 +596,9 @@ void BkCalendarColumn::updateChildren()
         }
         for (BkCalendarItem* item : items) {
             // The old boxes are gone: a box of this column is one that a booking of the host's answer
-            // to the read got as it came.
-            if (item->widget && item->widget->parentItem() == this)
+            // got as it came, while the old boxes went or the day was read. The booking may name the
+            // box of another column that shows it too.
+            if (BkCalendarItemWidget::boxIn(item, this))
                 continue;
             if (!mDeferBoxes && mScale && mScale->inside(item->start(), item->end())) {
                 makeWidget(item);
@@ -621,7 +622,7 @@ void BkCalendarColumn::itemAdded(BkCalendarItem* item)
         return;
     // The host may answer this notice before the column: a booking it took out of the model again
     // gets no box, and one it took out and added again has got its box inside, at the second notice.
-    if (item->model != mModel || (item->widget && item->widget->parentItem() == this))
+    if (item->model != mModel || BkCalendarItemWidget::boxIn(item, this))
         return;
     // Unlike updateChildren, a new booking gets its box whatever the scale shows.
     makeWidget(item);

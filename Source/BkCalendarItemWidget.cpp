@@ -240,6 +240,27 @@ void BkCalendarItemWidget::releaseOtherBoxes(const BkCalendarItem* item)
         box->mItem = nullptr;
 }
 
+BkCalendarItemWidget* BkCalendarItemWidget::boxIn(const BkCalendarItem* item, const QGraphicsItem* column)
+{
+    if (!item)
+        return nullptr;
+    auto standsIn = [column](const BkCalendarItemWidget* box) {
+        return box && box->parentItem() == column && !box->deleting();
+    };
+    if (standsIn(item->widget))
+        return item->widget;
+    if (otherBoxes().isEmpty())
+        return nullptr;
+    const auto found = otherBoxes().constFind(item);
+    if (found == otherBoxes().constEnd())
+        return nullptr;
+    for (BkCalendarItemWidget* box : *found) {
+        if (standsIn(box))
+            return box;
+    }
+    return nullptr;
+}
+
 QRectF BkCalendarItemWidget::boundingRect() const
 {
     return mRect;

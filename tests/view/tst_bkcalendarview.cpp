@@ -207,6 +207,7 @@ private slots:
     void shouldBuildResourceColumnsWithGrip();
     void shouldLeaveNoBoxWithADeletedBookingOfUserAndResource();
     void shouldBoxOnceWhatTheHostLoadsWhileAGroupIsBuilt();
+    void shouldBoxOnceWhatTheHostAddsForAPersonInARoomAsTheirColumnIsUpdated();
     void shouldBoxOnceWhatTheHostLoadsWhileDaysAreBuilt();
     void shouldBoxOnceWhatTheHostLoadsWhenTheDaysMoveOn();
     void shouldBuildTheBoxesOfAnUpdateThatTheHostsAnswerStarts();
@@ -737,6 +738,51 @@ void tst_BkCalendarView::shouldBoxOnceWhatTheHostLoadsWhileAGroupIsBuilt()
     addBooking(f.model, 4, Wednesday.addDays(1), 4, QTime(8, 0), QTime(9, 0));
     QCOMPARE(boxedItems(columns.at(0)).size(), 1);
     QCOMPARE(host.requests.size(), 3);
+}
+
+void tst_BkCalendarView::shouldBoxOnceWhatTheHostAddsForAPersonInARoomAsTheirColumnIsUpdated()
+{
+    // The group of Ben and his room stands, and Ben's booking is selected. Ben's column is updated: its
+    // selected box goes, and the host hears the selection change while the column is still taking
+    // its boxes away. It answers with a booking of Ben in the room. Both columns box the new booking
+    // as it comes, and the room's column, which hears of it after Ben's, is the one the booking names;
+    // Ben's column, reading its day after the answer, must not box the booking a second time.
+    ViewFixture f;
+    f.view.resize(800, 600);
+    f.view.setDate(Wednesday);
+    f.view.setResources(
+        {BkCalendarResource(5, QStringLiteral("Ben"), 0), BkCalendarResource(9, QStringLiteral("Room"), 1)});
+    const QList<BkCalendarColumn*> columns = f.view.getColumnList();
+    QCOMPARE(columns.size(), 2);
+    BkCalendarItem* bens = addBooking(f.model, 1, Wednesday, 5, QTime(8, 0), QTime(8, 30));
+    QVERIFY(bens->widget);
+    bens->widget->setSelected(true);
+    BkCalendarItem* shared = nullptr;
+    connect(f.view.scene(), &QGraphicsScene::selectionChanged, this, [&] {
+        if (shared)
+            return;
+        shared = new BkCalendarItem;
+        shared->id = 7;
+        shared->setDate(Wednesday);
+        shared->setUserId(5);
+        shared->setResourceId(9);
+        shared->setTime(QTime(9, 0), QTime(10, 0));
+        f.model.addItem(shared);
+    });
+
+    columns.at(0)->update();
+    QVERIFY(shared);
+    // The booking of the answer came first, while Ben's old box went.
+    QCOMPARE(boxedItems(columns.at(0)), QList<BkCalendarItem*>({shared, bens}));
+    QCOMPARE(boxedItems(columns.at(1)), QList<BkCalendarItem*>({shared}));
+    QCOMPARE(shared->widget->parentItem(), columns.at(1));
+    // The two bookings of Ben do not overlap: each box has the column's whole width.
+    for (QGraphicsItem* child : columns.at(0)->childItems()) {
+        if (auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child))
+            QCOMPARE(box->colCount(), 1);
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(boxedItems(columns.at(0)), QList<BkCalendarItem*>({shared, bens}));
 }
 
 void tst_BkCalendarView::shouldBoxOnceWhatTheHostLoadsWhileDaysAreBuilt()
