@@ -76,13 +76,16 @@ void addPlan(BkCalendarModel& model, const QDate& date, const BkCalendarResource
     model.addItem(plan);
 }
 
+// A booking of a user, and of a room when one is given, handed to the model whole.
 BkCalendarItem* addBooking(BkCalendarModel& model, const QVariant& id, const QDate& date,
-                           const QVariant& user, QTime start, QTime end)
+                           const QVariant& user, QTime start, QTime end, const QVariant& room = QVariant())
 {
     auto* item = new BkCalendarItem;
     item->id = id;
     item->setDate(date);
     item->setUserId(user);
+    if (room.isValid())
+        item->setResourceId(room);
     item->setTime(start, end);
     model.addItem(item);
     return item;
@@ -700,14 +703,8 @@ void tst_BkCalendarView::shouldBoxOnceWhatTheHostLoadsWhileAGroupIsBuilt()
         } else if (key == QLatin1String("0:5")) {
             loaded[QStringLiteral("b")] = addBooking(f.model, 2, Wednesday, 5, QTime(10, 0), QTime(11, 0));
         } else if (key == QLatin1String("1:9")) {
-            BkCalendarItem* c = new BkCalendarItem;
-            c->id = 3;
-            c->setDate(Wednesday);
-            c->setUserId(5);
-            c->setResourceId(9);
-            c->setTime(QTime(9, 30), QTime(11, 30));
-            f.model.addItem(c);
-            loaded[QStringLiteral("c")] = c;
+            loaded[QStringLiteral("c")] =
+                addBooking(f.model, 3, Wednesday, 5, QTime(9, 30), QTime(11, 30), 9);
         }
     });
     f.view.setResources({BkCalendarResource(4, QStringLiteral("Anna"), 0),
@@ -761,13 +758,7 @@ void tst_BkCalendarView::shouldBoxOnceWhatTheHostAddsForAPersonInARoomAsTheirCol
     connect(f.view.scene(), &QGraphicsScene::selectionChanged, this, [&] {
         if (shared)
             return;
-        shared = new BkCalendarItem;
-        shared->id = 7;
-        shared->setDate(Wednesday);
-        shared->setUserId(5);
-        shared->setResourceId(9);
-        shared->setTime(QTime(9, 0), QTime(10, 0));
-        f.model.addItem(shared);
+        shared = addBooking(f.model, 7, Wednesday, 5, QTime(9, 0), QTime(10, 0), 9);
     });
 
     columns.at(0)->update();
