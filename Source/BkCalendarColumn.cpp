@@ -833,6 +833,10 @@ struct BkCalendarColumn::LayoutRun
     QVector<BkCalendarItemWidget*>& widgets;
     // The box whose setColInfo is under way; only its move can start a nested run.
     int current = -1;
+    // Set when that box moved sideways: the run nested in its move is still to come.
+    bool moved = false;
+    // Where each of the runs that a nested run interrupted goes on: the box whose move started it.
+    QVarLengthArray<int, 64> interrupted;
     // The boxes before this one hold their answers. Only setColInfo changes a box's values, and only
     // for a box that differs; so they stay settled until new answers are computed. A nested run, and
     // the runs it returns to, need not look at them again.
@@ -891,10 +895,13 @@ void BkCalendarColumn::checkCollisions()
     // adds, removes, hides or re-tags a box, so a nested run works on the same boxes in the same order
     // as the run around it; it shares that run's answers and only checks them against the boxes'
     // present tops and heights. Each run still visits every box and sets every box that differs, so
-    // the boxes change in the same order as with a fresh search per run.
+    // the boxes change in the same order as with a fresh search per run. The nested run is taken up
+    // by the run's own walk as soon as the move is done (see settleLayout).
     if (mLayoutRun) {
-        mLayoutRun->refresh(mLayoutRun->current);
-        settleLayout(*mLayoutRun);
+        if (mLayoutRun->current >= 0)
+            mLayoutRun->moved = true;
+        else
+            settleLayout(*mLayoutRun);
         return;
     }
 
@@ -925,18 +932,37 @@ void BkCalendarColumn::settleLayout(LayoutRun& run)
 {
     // The boxes are visited in order and only those that differ are set, as a run of its own would
     // do; a box known to be settled would be passed over, so the walk steps over it at once.
-    for (int i = run.settled; i < run.widgets.size(); i = qMax(i + 1, run.settled)) {
-        if (!run.holdsAnswer(i)) {
-            const int outer = run.current;
+    // A box that moves sideways starts a nested run from inside its move. Nothing of the host runs
+    // while a box is set, and the rest of the move (Qt's notices to the box itself and its request to
+    // be drawn) changes no box, top or answer; so the nested run is walked here, right after the
+    // move, and then the run it interrupted goes on. The boxes change in the same order as with the
+    // nesting, and a cluster of hundreds no longer stacks hundreds of moves on the call stack.
+    const int outerRuns = run.interrupted.size();
+    int i = run.settled;
+    for (;;) {
+        if (i >= run.widgets.size()) {
+            if (run.interrupted.size() == outerRuns)
+                return;
+            // The nested run is done; the run that it interrupted goes on after the box that moved.
+            i = run.interrupted.back();
+            run.interrupted.pop_back();
+        } else if (!run.holdsAnswer(i)) {
             run.current = i;
+            run.moved = false;
             run.widgets.at(i)->setColInfo(run.indexAt(i), run.countAt(i));
-            // Setting a box recomputes its geometry from its booking; it may have changed its height
-            // without moving sideways, which starts no nested run.
+            run.current = -1;
+            // Setting a box recomputes its geometry from its booking; it may have changed its height,
+            // whether it moved sideways or not.
             run.refresh(i);
-            run.current = outer;
+            if (run.moved) {
+                run.interrupted.push_back(i);
+                i = run.settled;
+                continue;
+            }
         }
         if (run.settled == i && run.holdsAnswer(i))
             run.settled = i + 1;
+        i = qMax(i + 1, run.settled);
     }
 }
 
