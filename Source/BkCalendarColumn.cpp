@@ -276,6 +276,8 @@ struct BkCalendarColumn::LayoutMemo
     // The room of the boxes before the last computation, filled anew by the next. Runs come at every
     // arrival and move of a box, and a new vector for each cost the allocator more than the run.
     QVector<LayoutBox> scratch;
+    // The room of a run's interrupted runs, which in a cluster of n boxes grow to n.
+    std::vector<int> interrupted;
 };
 
 BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
@@ -825,6 +827,7 @@ struct BkCalendarColumn::LayoutRun
 {
     explicit LayoutRun(LayoutMemo* kept)
         : widgets(kept->widgets)
+        , interrupted(kept->interrupted)
         , memo(kept)
     {
     }
@@ -836,7 +839,7 @@ struct BkCalendarColumn::LayoutRun
     // Set when that box moved sideways: the run nested in its move is still to come.
     bool moved = false;
     // Where each of the runs that a nested run interrupted goes on: the box whose move started it.
-    QVarLengthArray<int, 64> interrupted;
+    std::vector<int>& interrupted;
     // The boxes before this one hold their answers. Only setColInfo changes a box's values, and only
     // for a box that differs; so they stay settled until new answers are computed. A nested run, and
     // the runs it returns to, need not look at them again.
@@ -878,10 +881,14 @@ struct BkCalendarColumn::LayoutRun
     }
 
     // The answers stay those of a fresh search as long as no top, height or id has changed. Every box
-    // that a run sets is checked at once, so at any moment only the box being set can differ.
+    // that a run sets is checked at once, so at any moment only the box being set can differ; and
+    // setting a box gives it the top and height of its booking's time but leaves its booking and id.
     void refresh(int index)
     {
-        if (index >= 0 && !sameBox(memo->boxes.at(index), layoutBoxOf(widgets.at(index))))
+        const LayoutBox& kept = memo->boxes.at(index);
+        const BkCalendarItemWidget* widget = widgets.at(index);
+        const double top = widget->pos().y();
+        if (kept.top != top || kept.bottom != top + widget->boundingRect().height())
             compute();
     }
 };
@@ -924,8 +931,9 @@ void BkCalendarColumn::checkCollisions()
     mLayoutRun = &run;
     settleLayout(run);
     mLayoutRun = nullptr;
-    // The answers are kept for the boxes as they stand now: each box set was checked at once.
-    mLayoutMemo->settled = run.allHoldAnswers();
+    // The answers are kept for the boxes as they stand now: each box set was checked at once, and a
+    // walk that found every box settled has checked them all.
+    mLayoutMemo->settled = run.settled == run.widgets.size() || run.allHoldAnswers();
 }
 
 void BkCalendarColumn::settleLayout(LayoutRun& run)
@@ -937,7 +945,7 @@ void BkCalendarColumn::settleLayout(LayoutRun& run)
     // be drawn) changes no box, top or answer; so the nested run is walked here, right after the
     // move, and then the run it interrupted goes on. The boxes change in the same order as with the
     // nesting, and a cluster of hundreds no longer stacks hundreds of moves on the call stack.
-    const int outerRuns = run.interrupted.size();
+    const size_t outerRuns = run.interrupted.size();
     int i = run.settled;
     for (;;) {
         if (i >= run.widgets.size()) {
