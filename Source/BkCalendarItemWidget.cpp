@@ -40,6 +40,16 @@
 
 namespace {
 
+// Whether numerator / denominator == 0.0, without dividing where the answer is plain: a box's move
+// lands on its time's y exactly, and a division there is the slowest step of the check. A zero
+// numerator gives zero for any denominator but zero and NaN; a tiny one may still underflow.
+bool isZeroQuotient(double numerator, double denominator)
+{
+    if (numerator == 0.0)
+        return denominator != 0.0 && !std::isnan(denominator);
+    return numerator / denominator == 0.0;
+}
+
 // A setting read at the moment of use, so that a change in the host counts at once. Boxes read theirs
 // at every construction and paint, so the keys come as literals that need no conversion.
 int settingValue(const QString& key, const QString& fallback = QString())
@@ -456,7 +466,7 @@ QVariant BkCalendarItemWidget::itemChange(QGraphicsItem::GraphicsItemChange chan
             const double t = double(mScale->topMargin());
             const double snapped = std::trunc((proposed.y() - t) / m) * m + t;
             const float expected = float(minutesBetween(mScale->start(), mItem->start()) * m + t);
-            if ((snapped - double(expected)) / m == 0.0) {
+            if (isZeroQuotient(snapped - double(expected), m)) {
                 // The proposal itself when it already lies on the snapped y: the same point, and
                 // no new value for Qt to allocate at every move of a box.
                 if (snapped == proposed.y() && std::signbit(snapped) == std::signbit(proposed.y()))
