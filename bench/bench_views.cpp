@@ -399,7 +399,7 @@ int main(int argc, char** argv)
     BkCalendarClock::setFixedNow(QDateTime(Monday, QTime(12, 0)));
     app.setValue(1, QStringLiteral("set_calshowtime"), QString());
 
-    // One part alone, for a profiler: group (group300, group100), week or gesture.
+    // One part alone, for a profiler: group (group300, group100), week, week400k or gesture.
     const QString only = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     if (argc > 2)
         Runs = qMax(1, QByteArray(argv[2]).toInt());
@@ -416,9 +416,9 @@ int main(int argc, char** argv)
     if (only.isEmpty() || only == QLatin1String("week")) {
         weekView(views, 40, 15, 7, 0);
         weekView(views, 200, 75, 1, 0);
-        if (only.isEmpty())
-            weekView(views, 40, 15, 7, 400000);
     }
+    if (only.isEmpty() || only == QLatin1String("week400k"))
+        weekView(views, 40, 15, 7, 400000);
     views.print();
 
     BenchTable gesture(QStringLiteral("Gestures"));
