@@ -959,10 +959,11 @@ void BkCalendarColumn::settleLayout(LayoutRun& run)
             run.moved = false;
             run.widgets.at(i)->setColInfo(run.indexAt(i), run.countAt(i));
             run.current = -1;
+            const bool moved = run.moved;
             // Setting a box recomputes its geometry from its booking; it may have changed its height,
             // whether it moved sideways or not.
             run.refresh(i);
-            if (run.moved) {
+            if (moved) {
                 run.interrupted.push_back(i);
                 i = run.settled;
                 continue;
