@@ -7,6 +7,8 @@
 #include <QRandomGenerator>
 
 #include <QtTest>
+
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -281,6 +283,7 @@ private slots:
     void shouldLetLaterBoxesOfARunSeeAHeightThatChangedInIt();
     void shouldRunAsTheLiteralRuleWhenABookingArrives_data();
     void shouldRunAsTheLiteralRuleWhenABookingArrives();
+    void shouldLayOutAClusterOfTwentyThousandBoxesInOneRun();
 };
 
 void tst_BkCalendarCollisions::shouldShareWidthAsTheWorkedCasesSay_data()
@@ -753,6 +756,38 @@ void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenABookingArrives()
         model.run();
     }
     compareWithModel(after, model);
+}
+
+void tst_BkCalendarCollisions::shouldLayOutAClusterOfTwentyThousandBoxesInOneRun()
+{
+    // Every box of a cluster moves sideways as the column lays it out, and every move enters the
+    // layout again from inside the move. A column built in one go with 20,000 bookings that all
+    // overlap is laid out all the same, without those moves piling up one inside the next.
+    const int count = 20000;
+    BkColumnFixture fixture(false, 20005.0);
+    QList<BkCalendarItem*> items;
+    {
+        const QSignalBlocker quiet(&fixture.model);
+        for (int i = 0; i < count; ++i) {
+            // Starts over four hours, in whole minutes, and four hours long: each overlaps all others.
+            const QTime start = QTime(8, 0).addSecs(((i * 97) % 240) * 60);
+            items.append(fixture.addItem(start, start.addSecs(4 * 3600), count - i));
+        }
+    }
+    fixture.column->updateChildren();
+
+    // The rank by top, and at equal tops by id; every box shares the width with all the others.
+    QList<BkCalendarItem*> ranked = items;
+    std::sort(ranked.begin(), ranked.end(), [](const BkCalendarItem* a, const BkCalendarItem* b) {
+        return a->start() != b->start() ? a->start() < b->start() : a->id.toInt() < b->id.toInt();
+    });
+    for (int rank = 0; rank < count; ++rank) {
+        const BkCalendarItemWidget* box = ranked.at(rank)->widget;
+        QVERIFY(box);
+        QCOMPARE(box->colCount(), count);
+        QCOMPARE(box->colIndex(), rank);
+        QCOMPARE(box->x(), double(rank));
+    }
 }
 
 FW_TEST_MAIN(tst_BkCalendarCollisions)
