@@ -1,5 +1,6 @@
 #include "BkCalendarItem.h"
 
+#include "BkBookingWatch.h"
 #include "BkCalendarItemWidget.h"
 #include "BkCalendarModel.h"
 
@@ -74,6 +75,7 @@ BkCalendarItem::~BkCalendarItem()
     if (widget)
         widget->setItem(nullptr);
     BkCalendarItemWidget::releaseOtherBoxes(this);
+    BkBookingWatch::gone(this);
 }
 
 QVariant BkCalendarItem::resourceId() const
@@ -276,11 +278,18 @@ void BkCalendarItem::changeKey(Key key, const QVariant& value, const QDate& date
         BkCalendarModel* owner = model;
         if (silent)
             owner->blockSignals(true);
+        // The removal and the filing are told, unless silent; an answer that deleted the booking
+        // ends the move, and the booking is filed nowhere again.
+        const BkBookingWatch watch(this);
         owner->removeItem(this);
-        writeKey(key, value, date);
-        owner->addItem(this);
+        if (watch.lives()) {
+            writeKey(key, value, date);
+            owner->addItem(this);
+        }
         if (silent)
             owner->blockSignals(false);
+        if (!watch.lives())
+            return;
     }
     dropSavedIfSame();
     notify();
@@ -383,14 +392,20 @@ void BkCalendarItem::rollback()
         mEnd = mSaved->end;
         dropSavedIfSame();
     }
-    // Each step reads the rollback values anew: a slot of the signals of a move may have changed them.
+    // Each step reads the rollback values anew: a slot of the signals of a move may have changed them,
+    // or deleted the booking, which ends the rollback.
+    const BkBookingWatch watch(this);
     if (mDate != savedDate())
         setDate(savedDate(), false);
+    if (!watch.lives())
+        return;
     if (resourceId() != savedResourceId())
         setResourceId(savedResourceId(), false);
+    if (!watch.lives())
+        return;
     if (userId() != savedUserId())
         setUserId(savedUserId(), false);
-    if (model)
+    if (watch.lives() && model)
         model->itemValid(this);
 }
 

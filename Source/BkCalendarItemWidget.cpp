@@ -1,5 +1,6 @@
 #include "BkCalendarItemWidget.h"
 
+#include "BkBookingWatch.h"
 #include "BkCalendarColorScheme.h"
 #include "BkCalendarColumn.h"
 #include "BkCalendarItem.h"
@@ -86,51 +87,6 @@ void forgetOtherBox(const BkCalendarItem* item, BkCalendarItemWidget* box)
     if (found->isEmpty())
         table.erase(found);
 }
-
-// A booking followed by a gesture past the point where its box may lose it: a release lets the host
-// in, and the host's answer may take the box away while the booking lives on, or delete the booking.
-// A booking's deletion strikes it from every watch, so no address is ever followed after it is freed.
-class BookingWatch
-{
-public:
-    explicit BookingWatch(const BkCalendarItem* item)
-        : mItem(item)
-    {
-        watches().append(this);
-    }
-    ~BookingWatch()
-    {
-        QVarLengthArray<BookingWatch*, 2>& all = watches();
-        for (int i = 0; i < all.size(); ++i) {
-            if (all.at(i) == this) {
-                all.remove(i);
-                break;
-            }
-        }
-    }
-    BookingWatch(const BookingWatch&) = delete;
-    BookingWatch& operator=(const BookingWatch&) = delete;
-
-    bool lives() const { return mItem != nullptr; }
-
-    static void gone(const BkCalendarItem* item)
-    {
-        for (BookingWatch* watch : watches()) {
-            if (watch->mItem == item)
-                watch->mItem = nullptr;
-        }
-    }
-    static bool none() { return watches().isEmpty(); }
-
-private:
-    static QVarLengthArray<BookingWatch*, 2>& watches()
-    {
-        static QVarLengthArray<BookingWatch*, 2> all;
-        return all;
-    }
-
-    const BkCalendarItem* mItem;
-};
 
 // The booking's text kept from one paint to the next. A document keeps what it has read, pictures
 // and style sheets, and lays itself out to their sizes; the files may change or appear between paints,
@@ -241,8 +197,6 @@ void BkCalendarItemWidget::setItem(BkCalendarItem* item)
 
 void BkCalendarItemWidget::releaseOtherBoxes(const BkCalendarItem* item)
 {
-    if (!BookingWatch::none())
-        BookingWatch::gone(item);
     if (otherBoxes().isEmpty())
         return;
     const Boxes boxes = otherBoxes().take(item);
@@ -581,7 +535,7 @@ void BkCalendarItemWidget::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
     // box of the answer. The release is the booking's, so it is finished on the booking.
     QPointer<BkCalendarItemWidget> self(this);
     BkCalendarItem* const item = mItem;
-    const BookingWatch watch(item);
+    const BkBookingWatch watch(item);
     bool keep = true;
     if (mMoved && mColumn && mColumn->isResourceBooked(item) && watch.lives()) {
         const BkCalendarNestedLoop loop;

@@ -1,5 +1,6 @@
 #include "BkCalendarModel.h"
 
+#include "BkBookingWatch.h"
 #include "BkCalendarHostVisit.h"
 #include "BkCalendarIdTable.h"
 #include "BkCalendarItemFile.h"
@@ -376,9 +377,14 @@ void BkCalendarModel::rollback()
     int index = 0;
     do {
         BkCalendarItem* item = mInvalidItems.at(index);
+        const BkBookingWatch watch(item);
         item->rollback();
-        // When the list has run out below the index, the item just rolled back is the one told.
-        emit itemChanged(index < mInvalidItems.size() ? mInvalidItems.at(index) : item);
+        // When the list has run out below the index, the item just rolled back is the one told, unless
+        // an answer to its rollback deleted it.
+        if (index < mInvalidItems.size())
+            emit itemChanged(mInvalidItems.at(index));
+        else if (watch.lives())
+            emit itemChanged(item);
         ++index;
     } while (index < mInvalidItems.size());
     mInvalidItems.clear();

@@ -100,7 +100,7 @@ public:
     // Written by the booking when it goes, so that the box outlives it with no booking.
     void setItem(BkCalendarItem* item);
     // Called by a booking as it goes: the boxes of other columns that show it, beside its `widget`,
-    // outlive it with no booking too, and a release in progress no longer follows it.
+    // outlive it with no booking too.
     static void releaseOtherBoxes(const BkCalendarItem* item);
     // The box of the booking that stands in the given column, if any. A booking that two columns show
     // names only its newest box; the column that made the other may be asked as well.

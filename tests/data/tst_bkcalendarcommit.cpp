@@ -56,6 +56,7 @@ private slots:
     void shouldRollBackEveryOtherOfThreeUnsaved();
     void shouldTellOneUnsavedItemTwiceOnRollback();
     void shouldDoNothingOnRollbackOfEmptyList();
+    void shouldNotTellOfABookingThatItsRollbackDeleted();
     void shouldFindItemByLateIdOnlyAfterNextChange();
     void shouldCountChangeFromSaveSlotAsNew();
     void shouldNotCountBlockedChangeFromSaveSlot();
@@ -341,6 +342,39 @@ void TestBkCalendarCommit::shouldDoNothingOnRollbackOfEmptyList()
     QSignalSpy changed(&model, &BkCalendarModel::itemChanged);
     model.rollback();
     QCOMPARE(changed.count(), 0);
+}
+
+// The host answers the rollback's change of the only unsaved booking by taking it out and deleting it.
+// The list has run out, and the booking that would be told of again is gone: nothing names it.
+void TestBkCalendarCommit::shouldNotTellOfABookingThatItsRollbackDeleted()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3);
+    QVERIFY(model.addItem(item));
+    auto* other = makeItem(2, 3);
+    QVERIFY(model.addItem(other));
+    item->setDate(Day.addDays(2));
+    const BkCalendarItem* const deleted = item;
+    bool gone = false;
+    int namedAfter = 0;
+    connect(&model, &BkCalendarModel::itemChanged, this, [&](BkCalendarItem* changed) {
+        if (gone) {
+            namedAfter += changed == deleted;
+            return;
+        }
+        if (changed != deleted)
+            return;
+        model.removeItem(changed);
+        delete changed;
+        gone = true;
+    });
+
+    model.rollback();
+
+    QVERIFY(gone);
+    QCOMPARE(namedAfter, 0);
+    QCOMPARE(model.allItems(), QList<BkCalendarItem*>() << other);
+    QVERIFY(model.invalidItems().isEmpty());
 }
 
 void TestBkCalendarCommit::shouldFindItemByLateIdOnlyAfterNextChange()

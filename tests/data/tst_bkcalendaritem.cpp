@@ -73,6 +73,9 @@ private slots:
     void shouldRollBackToIdsOfEveryKind();
     void shouldShowNewRollbackValueToSlotsOfVisibleMove();
     void shouldKeepRollbackTimesThroughSetStartOnUnsavedItem();
+    void shouldStopRollbackOfBookingDeletedByAnswerToItsChange_data();
+    void shouldStopRollbackOfBookingDeletedByAnswerToItsChange();
+    void shouldStopMoveOfBookingDeletedByAnswerToItsRemoval();
 };
 
 void TestBkCalendarItem::initTestCase()
@@ -823,6 +826,96 @@ void TestBkCalendarItem::shouldKeepRollbackTimesThroughSetStartOnUnsavedItem()
     QCOMPARE(item->end(), Nine);
     QCOMPARE(item->date(), Day);
     QCOMPARE(item->savedDate(), Day);
+}
+
+void TestBkCalendarItem::shouldStopRollbackOfBookingDeletedByAnswerToItsChange_data()
+{
+    QTest::addColumn<bool>("reload");
+    // A host that reloads saves what is unsaved first, as it must, and clears the store.
+    QTest::newRow("the store reloaded") << true;
+    QTest::newRow("taken out and deleted") << false;
+}
+
+// A rollback moves the booking back in up to three steps, each of which tells of a change. A host that
+// answers the first by deleting the booking ends the rollback there: nothing of the booking is read or
+// filed again, and no later signal names it.
+void TestBkCalendarItem::shouldStopRollbackOfBookingDeletedByAnswerToItsChange()
+{
+    QFETCH(bool, reload);
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, 8);
+    model.addItem(item);
+    auto* other = makeItem(2, 3, 8);
+    model.addItem(other);
+    item->setDate(Day.addDays(1));
+    item->setResourceId(9);
+    item->setUserId(4);
+    QVERIFY(model.isInvalid(item));
+
+    const BkCalendarItem* const deleted = item;
+    bool answered = false;
+    bool gone = false;
+    // What names the booking once it is deleted; compared by address only.
+    QList<QByteArray> namedAfter;
+    connect(&model, &BkCalendarModel::itemChanged, this, [&](BkCalendarItem* changed) {
+        if (gone && changed == deleted)
+            namedAfter << "itemChanged";
+        if (answered || changed != deleted)
+            return;
+        answered = true;
+        if (reload) {
+            model.commitToDatabase();
+            model.clear();
+        } else {
+            model.removeItem(changed);
+            delete changed;
+        }
+        gone = true;
+    });
+    connect(&model, &BkCalendarModel::itemAdded, this, [&](BkCalendarItem* added) {
+        if (gone && added == deleted)
+            namedAfter << "itemAdded";
+    });
+    connect(&model, &BkCalendarModel::itemRemoved, this, [&](BkCalendarItem* removed) {
+        if (gone && removed == deleted)
+            namedAfter << "itemRemoved";
+    });
+
+    item->rollback();
+    QVERIFY(answered);
+    QCOMPARE(namedAfter, QList<QByteArray>());
+    QVERIFY(!model.allItems().contains(const_cast<BkCalendarItem*>(deleted)));
+    QVERIFY(model.invalidItems().isEmpty());
+    if (reload) {
+        QVERIFY(model.allItems().isEmpty());
+    } else {
+        QCOMPARE(model.allItems(), QList<BkCalendarItem*>() << other);
+        QCOMPARE(model.items(Day, BkCalendarResource(3, QString(), 0)), QList<BkCalendarItem*>() << other);
+    }
+}
+
+// A move of a booking from one key to another takes it out of the store and files it again, and the
+// removal is told. A host that deletes the booking in its answer ends the move: the booking is not
+// filed again.
+void TestBkCalendarItem::shouldStopMoveOfBookingDeletedByAnswerToItsRemoval()
+{
+    BkCalendarModel model;
+    auto* item = makeItem(1, 3, 8);
+    model.addItem(item);
+    const BkCalendarItem* const deleted = item;
+    int added = 0;
+    int changed = 0;
+    connect(&model, &BkCalendarModel::itemRemoved, this, [&](BkCalendarItem* removed) { delete removed; });
+    connect(&model, &BkCalendarModel::itemAdded, this, [&](BkCalendarItem*) { ++added; });
+    connect(&model, &BkCalendarModel::itemChanged, this, [&](BkCalendarItem*) { ++changed; });
+
+    item->setDate(Day.addDays(1));
+    QCOMPARE(added, 0);
+    QCOMPARE(changed, 0);
+    QVERIFY(!model.allItems().contains(const_cast<BkCalendarItem*>(deleted)));
+    QVERIFY(model.allItems().isEmpty());
+    QVERIFY(model.items(Day.addDays(1), BkCalendarResource(3, QString(), 0)).isEmpty());
+    QVERIFY(model.invalidItems().isEmpty());
 }
 
 QTEST_MAIN(TestBkCalendarItem)
