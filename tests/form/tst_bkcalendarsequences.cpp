@@ -1165,6 +1165,10 @@ void tst_BkCalendarSequences::shouldSurviveAHostThatAnswersEverySignalWithAnythi
     }
     for (quint64 seed = first; seed <= last; ++seed)
         QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << quint32(seed);
+    // Found by a long search: a drag leaves the scene, and the host answers the change of the booking
+    // taken back by saving and clearing the store in the middle of its rollback.
+    if (qgetenv("BK_HOSTILE_SEEDS").isEmpty())
+        QTest::newRow("seed 13771") << quint32(13771);
 }
 
 void tst_BkCalendarSequences::shouldSurviveAHostThatAnswersEverySignalWithAnything()
