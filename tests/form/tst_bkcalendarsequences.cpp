@@ -675,8 +675,11 @@ public:
         , mRate(rate)
     {
         BkCalendarModel* model = mModel;
-        connect(model, &BkCalendarModel::itemAdded, this,
-                [this](BkCalendarItem* item) { hear("itemAdded", item); });
+        connect(model, &BkCalendarModel::itemAdded, this, [this](BkCalendarItem* item) {
+            mAnnounced.append(item);
+            hear("itemAdded", item);
+            mAnnounced.removeLast();
+        });
         // A booking that is told of a change while off the unsaved list has been taken back: it stands
         // as its rollback values say, which the host takes for what it has.
         connect(model, &BkCalendarModel::itemChanged, this, [this](BkCalendarItem* item) {
@@ -686,7 +689,10 @@ public:
         connect(model, &BkCalendarModel::itemChanged, this,
                 [this](BkCalendarItem* item) { hear("itemChanged", item); });
         connect(model, &BkCalendarModel::itemRemoved, this, [this](BkCalendarItem*) { hear("itemRemoved"); });
-        connect(model, &BkCalendarModel::planAdded, this, [this](BkCalendarPlan*) { hear("planAdded"); });
+        connect(model, &BkCalendarModel::planAdded, this, [this](BkCalendarPlan*) {
+            const QScopedValueRollback<bool> announcing(mPlanAnnounced, true);
+            hear("planAdded");
+        });
         connect(model, &BkCalendarModel::reset, this, [this]() { hear("reset"); });
         connect(model, &BkCalendarModel::loadData, this,
                 [this](const QDate& from, const QDate& to, const BkCalendarResource& who) {
@@ -829,9 +835,10 @@ private:
         // other listeners have yet to hear of it; a filter takes it out again, and deletes it later.
         if (qstrcmp(signal, "itemAdded") == 0 && what >= 12 && what <= 17)
             what = item && item->model == mModel && what <= 15 ? 20 : 10;
-        // Nor is a plan that is being added deleted by a clear in the answer that tells of it: the
-        // model's other listeners, the columns, have yet to hear of it.
-        if (qstrcmp(signal, "planAdded") == 0 && (what == 16 || what == 17))
+        // Nor is a plan that is being added deleted by a clear in the answer that tells of it, or in an
+        // answer to a signal that comes meanwhile: the model's other listeners, the columns, have yet
+        // to hear of it. The same holds for a booking that is being added.
+        if ((mPlanAnnounced || !mAnnounced.isEmpty()) && (what == 16 || what == 17))
             what = 10;
         acts << QStringLiteral("%1:%2").arg(QLatin1String(signal)).arg(what);
         switch (what) {
@@ -871,6 +878,8 @@ private:
                     break;
                 gone = all.at(mRandom.bounded(all.size()));
             }
+            if (mAnnounced.contains(gone))
+                break;
             mSaved.remove(gone->id.toInt());
             mModel->removeItem(gone);
             delete gone;
@@ -906,6 +915,9 @@ private:
     int mRate;
     int mDepth = 0;
     bool mInBookingNews = false;
+    // The bookings and whether a plan whose adding is being told, outermost first.
+    QVector<BkCalendarItem*> mAnnounced;
+    bool mPlanAnnounced = false;
 };
 
 } // namespace
