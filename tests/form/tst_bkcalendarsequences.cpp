@@ -702,6 +702,9 @@ public:
         connect(model, &BkCalendarModel::saveItems, this, [this](const QList<BkCalendarItem*>& items) {
             for (BkCalendarItem* item : items)
                 write(item);
+            // The form's listener comes first, as the form connected first; its batch is written now.
+            if (mSavesHandedRound > 0)
+                --mSavesHandedRound;
             hear("model saveItems");
         });
         connect(form, &BkCalendar::itemActivated, this,
@@ -710,7 +713,10 @@ public:
         connect(form, &BkCalendar::itemContextMenu, this,
                 [this](QPoint, BkCalendarItem* item) { hear("itemContextMenu", item); });
         connect(form, &BkCalendar::planContextMenu, this, [this]() { hear("planContextMenu"); });
-        connect(form, &BkCalendar::saveItems, this, [this]() { hear("saveItems"); });
+        connect(form, &BkCalendar::saveItems, this, [this]() {
+            ++mSavesHandedRound;
+            hear("saveItems");
+        });
         connect(form, &BkCalendar::loadData, this, [this]() { hear("loadData"); });
         connect(form, &BkCalendar::dateSelected, this, [this]() { hear("dateSelected"); });
         connect(form, &BkCalendar::dateChanged, this, [this]() { hear("dateChanged"); });
@@ -819,10 +825,11 @@ private:
     {
         BkCalendar* form = mForm;
         int what = mRandom.bounded(20);
-        // Nor are the bookings of a save taken away while it is handed round: the host's other
-        // listener, on the model, has yet to write them.
-        if ((qstrcmp(signal, "saveItems") == 0 || qstrcmp(signal, "model saveItems") == 0) && what >= 12 &&
-            what <= 17)
+        // Nor are the bookings of a save taken away while it is handed round, also in answers to signals
+        // that come meanwhile: the host's other listener, on the model, has yet to write them.
+        if ((mSavesHandedRound > 0 || qstrcmp(signal, "saveItems") == 0 ||
+             qstrcmp(signal, "model saveItems") == 0) &&
+            what >= 12 && what <= 17)
             what = 10;
         // A change of a booking comes in the middle of the user's gesture on its box, which goes on
         // after the answer: the grid is not built anew there, but bookings may come and go.
@@ -918,6 +925,8 @@ private:
     // The bookings and whether a plan whose adding is being told, outermost first.
     QVector<BkCalendarItem*> mAnnounced;
     bool mPlanAnnounced = false;
+    // Saves that the form has handed on and the host's listener on the model has yet to write.
+    int mSavesHandedRound = 0;
 };
 
 } // namespace
