@@ -922,7 +922,7 @@ private:
     int mRate;
     int mDepth = 0;
     bool mInBookingNews = false;
-    // The bookings and whether a plan whose adding is being told, outermost first.
+    // The bookings whose adding is being told, outermost first, and whether a plan's is.
     QVector<BkCalendarItem*> mAnnounced;
     bool mPlanAnnounced = false;
     // Saves that the form has handed on and the host's listener on the model has yet to write.
