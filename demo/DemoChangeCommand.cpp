@@ -58,15 +58,20 @@ void DemoChangeCommand::show(DemoBookingRow& from, DemoBookingRow to)
         mSucceeded = mStore->removeRow(id);
         if (mSucceeded && stored)
             from = *stored;
+        // No row to take away: another program deleted the booking since this change was last done.
+        if (mSucceeded && !stored)
+            mDeletedElsewhere = true;
         if (mSucceeded && item) {
             model->removeItem(item);
             delete item;
         }
     } else {
-        bool gone = false;
-        mSucceeded = mStore->writeChange(to, from, &gone);
+        // A booking whose row another program deleted is not written again, by an update or by an
+        // insertion that would bring it back behind that program's back.
+        bool gone = !from.isValid() && mDeletedElsewhere;
+        mSucceeded = gone || mStore->writeChange(to, from, &gone);
         if (mSucceeded && gone) {
-            // Another program deleted the booking: it leaves the calendar, as after a save.
+            // It leaves the calendar, as after a save.
             if (item) {
                 model->removeItem(item);
                 delete item;

@@ -35,6 +35,8 @@ private:
     // True as the command is pushed: the stack redoes it then, and the change is made already.
     bool mSkip = true;
     bool mSucceeded = true;
+    // A step found the booking's row deleted by another program; no later step writes it again.
+    bool mDeletedElsewhere = false;
 };
 
 #endif // DEMOCHANGECOMMAND_H

@@ -181,6 +181,7 @@ private slots:
     void shouldBringBackAnotherProgramsEditWhenAnUndoneCreationIsRedone();
     void shouldWriteOnlyWhatAnUndoOrRedoTakesBack();
     void shouldNotBringBackByUndoABookingThatAnotherProgramDeleted();
+    void shouldNotBringBackByRedoACreatedBookingThatAnotherProgramDeleted();
     void shouldGiveANewBookingAnIdThatNoBookingHadBefore();
     void shouldKeepTheBookingsOfAnOlderFileWhenItsIdsAreMadeUnique();
 
@@ -630,6 +631,41 @@ void tst_DemoSequences::shouldNotBringBackByUndoABookingThatAnotherProgramDelete
     QVERIFY(storedValue(mFile, QStringLiteral("id"), id).isNull());
     QVERIFY(!model->findId(id));
     QCOMPARE(window.undoStack()->index(), 2);
+}
+
+// The user creates a booking, another program deletes it, and the user takes the creation back and
+// makes it again. The step back finds nothing to take away; the step forth must not write the booking
+// again behind that program's back.
+void tst_DemoSequences::shouldNotBringBackByRedoACreatedBookingThatAnotherProgramDeleted()
+{
+    QVERIFY2(openFresh(QStringLiteral("created.sqlite")), qPrintable(mDb.lastError()));
+    DemoWindow window(1);
+    showWednesday(window);
+    BkCalendarModel* model = window.calendar()->model();
+    BkCalendarItem* item = window.createBooking(Anna, afternoonRow(QStringLiteral("Deleted elsewhere")));
+    QVERIFY(item);
+    const int id = item->id.toInt();
+    QCOMPARE(window.undoStack()->count(), 1);
+    QVERIFY(anotherProgramDeletes(mFile, id));
+
+    window.undoChange();
+    QVERIFY(storedValue(mFile, QStringLiteral("id"), id).isNull());
+    QVERIFY(!model->findId(id));
+    QCOMPARE(window.undoStack()->index(), 0);
+
+    window.redoChange();
+    QVERIFY(storedValue(mFile, QStringLiteral("id"), id).isNull());
+    QVERIFY(!model->findId(id));
+    QVERIFY2(FwApplication::app()->currentMessage().contains(QStringLiteral("deleted by another program")),
+             qPrintable(FwApplication::app()->currentMessage()));
+    // The step is taken: nothing is left to write for it.
+    QCOMPARE(window.undoStack()->index(), 1);
+
+    // Back and forth again, the booking stays deleted.
+    window.undoChange();
+    window.redoChange();
+    QVERIFY(storedValue(mFile, QStringLiteral("id"), id).isNull());
+    QVERIFY(!model->findId(id));
 }
 
 // Another program deletes the newest booking while the calendar shows it and the undo stack names it.
