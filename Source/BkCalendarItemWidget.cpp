@@ -17,6 +17,7 @@
 #include <QBrush>
 #include <QDrag>
 #include <QFont>
+#include <QGraphicsScene>
 #include <QGraphicsSceneContextMenuEvent>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
@@ -170,6 +171,11 @@ BkCalendarItemWidget::~BkCalendarItemWidget()
     // First of all, so that a layout run during the teardown passes this box over.
     mDeleting = true;
     letGoOfItem();
+    // Leaving the scene lets the host in: the focus leaves, the selection changes, and the answer may
+    // update the column or measure the scene. The box leaves while it is still whole, so the answer
+    // finds a box that is being deleted, not an item half torn down whose own calls are gone.
+    if (QGraphicsScene* owner = scene())
+        owner->removeItem(this);
 }
 
 void BkCalendarItemWidget::letGoOfItem()

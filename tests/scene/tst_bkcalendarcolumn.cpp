@@ -110,6 +110,7 @@ private slots:
     void shouldOfferPlanMenuOnAPlainRightClick();
     void shouldOutliveABoxThatTheHostRebuildsWhenItIsClicked();
     void shouldOutliveAHostThatUpdatesTheColumnAsTheFocusedBoxGoes();
+    void shouldNotTakeAwayAgainABoxThatIsBeingDeleted();
     void shouldHoldNoPlanThatAClearDeletesAfterTheHostsAnswer();
     void shouldOutliveAColumnThatTheHostDropsWhenItIsClicked();
     void shouldFindPlanAtTime();
@@ -1105,6 +1106,37 @@ void tst_BkCalendarColumn::shouldOutliveABoxThatTheHostRebuildsWhenItIsClicked()
     sendMouse(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
     QVERIFY(fresh);
     QVERIFY(fresh->isSelected());
+}
+
+void tst_BkCalendarColumn::shouldNotTakeAwayAgainABoxThatIsBeingDeleted()
+{
+    // The booking of the box with the focus leaves the store, and its box is deleted when the event
+    // loop comes round. As the dying box leaves the scene, the scene tells of the focus going at once,
+    // and the host answers by measuring the scene and updating the column. The box is still whole
+    // then: it gives its bounds, and the update passes it over instead of deleting it a second time.
+    BkColumnFixture fixture;
+    QGraphicsView view(&fixture.scene);
+    QVERIFY(showWhole(view));
+    BkCalendarItem* leaving = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* staying = fixture.addItem(QTime(11, 0), QTime(12, 0), 2);
+    QPointer<BkCalendarItemWidget> box = leaving->widget;
+    box->setFocus();
+    QVERIFY(box->hasFocus());
+    int told = 0;
+    connect(&fixture.scene, &QGraphicsScene::focusItemChanged, this, [&] {
+        ++told;
+        fixture.scene.itemsBoundingRect();
+        fixture.column->updateChildren();
+    });
+    fixture.model.removeItem(leaving);
+    delete leaving;
+    QVERIFY(box);
+    BkColumnFixture::flushDeletes();
+    QVERIFY(!box);
+    QVERIFY(told > 0);
+    BkColumnFixture::flushDeletes();
+    QVERIFY(staying->widget);
+    QCOMPARE(fixture.widgets(), QList<BkCalendarItemWidget*>{staying->widget});
 }
 
 void tst_BkCalendarColumn::shouldOutliveAHostThatUpdatesTheColumnAsTheFocusedBoxGoes()
