@@ -1154,37 +1154,41 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
     // A booking of a person and a room stands in both of their columns of a group, and its widget
     // names the newest of its boxes. Brought into one of them, it moves by the box that it has there:
     // a second box would stand beside it, and the other column would lose its own.
-    BkCalendarItemWidget* widget = item->widget;
     const QPointer<BkCalendarItemWidget> own(boxOf(item));
-    if (!widget) {
-        // A booking from the move list, or one outside the scale's span, gets its box here.
-        widget = own ? own.data() : makeWidget(item);
-        if (!widget)
+    BkCalendarItemWidget* along = own ? own.data() : boxToTakeAlong(item);
+    // The booking comes here from the column of the box that goes along, or else from that of the box
+    // it names; one with no box anywhere comes from the move list or from outside the scale's span.
+    const auto elsewhere = [this](BkCalendarItemWidget* box) { return box && box->parentItem() != this; };
+    const QPointer<BkCalendarItemWidget> cameFrom(elsewhere(along) ? along : item->widget);
+    if (!along) {
+        // A booking that no column of this kind shows gets its box here.
+        along = makeWidget(item);
+        if (!along)
             return false;
     }
     // Selecting this column tells of its date, and the new time goes out as a change of the
     // booking: whoever answers either may take the booking away, which lets go of its box.
-    QPointer<BkCalendarItemWidget> box(widget);
+    const QPointer<BkCalendarItemWidget> box(along);
     const auto gone = [&]() { return !box || box->item() != item; };
-    if (widget->parentItem() != this) {
+    if (elsewhere(cameFrom)) {
         setSelected(true);
         if (gone())
             return false;
-        if (QGraphicsItem* old = widget->parentItem())
+        if (QGraphicsItem* old = cameFrom ? cameFrom->parentItem() : nullptr)
             old->setSelected(false);
-        if (own) {
-            box = own;
-            if (gone())
-                return false;
-        } else {
+        if (gone())
+            return false;
+        if (box->parentItem() != this) {
             // The box rewires itself to this column's width in its itemChange, and shares that width
             // from now on, as a box made here does, not the one it came with.
-            widget->setParentItem(this);
+            box->setParentItem(this);
             if (gone())
                 return false;
-            widget->widthChanged(mRect.width());
+            box->widthChanged(mRect.width());
         }
     }
+    // The booking names the box of the column it came to, as it does one made there.
+    box->becomeNamed();
     item->setTime(s, e);
     if (gone())
         return false;
@@ -1202,6 +1206,28 @@ bool BkCalendarColumn::tryToMoveItem(BkCalendarItem* item, QTime start)
     if (item->widget)
         item->widget->update();
     return true;
+}
+
+BkCalendarItemWidget* BkCalendarColumn::boxToTakeAlong(const BkCalendarItem* item) const
+{
+    // The move gives the booking this column's date and its key of this column's kind, person or
+    // room; its key of the other kind stays. A column of the other kind on this date therefore still
+    // shows the booking after the move, and keeps its box: taken from there, the box would leave a
+    // column that shows the booking, while the booking's old column of this kind would keep a box that
+    // no longer belongs there. Any other box of the booking goes along, its named one first. When
+    // only columns that keep their boxes show the booking, a new box is made here; a box in no column
+    // at all goes along as the booking's only one.
+    const bool person = mResource.type == 0;
+    bool kept = false;
+    for (BkCalendarItemWidget* box : BkCalendarItemWidget::boxesOf(item)) {
+        const BkCalendarColumn* column = box->column();
+        if (!column || box->parentItem() != column)
+            continue;
+        if (column->date() != mDate || (column->resource().type == 0) == person)
+            return box;
+        kept = true;
+    }
+    return kept ? nullptr : item->widget;
 }
 
 void BkCalendarColumn::move(double delta)

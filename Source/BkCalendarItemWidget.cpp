@@ -210,6 +210,33 @@ void BkCalendarItemWidget::releaseOtherBoxes(const BkCalendarItem* item)
         box->mItem = nullptr;
 }
 
+void BkCalendarItemWidget::becomeNamed()
+{
+    if (!mItem || mItem->widget == this || mDeleting)
+        return;
+    forgetOtherBox(mItem, this);
+    if (mItem->widget && mItem->widget->item() == mItem)
+        otherBoxes()[mItem].append(mItem->widget);
+    mItem->widget = this;
+}
+
+QVarLengthArray<BkCalendarItemWidget*, 2> BkCalendarItemWidget::boxesOf(const BkCalendarItem* item)
+{
+    QVarLengthArray<BkCalendarItemWidget*, 2> boxes;
+    if (!item)
+        return boxes;
+    if (item->widget && !item->widget->deleting())
+        boxes.append(item->widget);
+    const auto found = otherBoxes().isEmpty() ? otherBoxes().constEnd() : otherBoxes().constFind(item);
+    if (found != otherBoxes().constEnd()) {
+        for (BkCalendarItemWidget* box : *found) {
+            if (box && !box->deleting() && box != item->widget)
+                boxes.append(box);
+        }
+    }
+    return boxes;
+}
+
 BkCalendarItemWidget* BkCalendarItemWidget::boxIn(const BkCalendarItem* item, const QGraphicsItem* column)
 {
     if (!item)

@@ -172,6 +172,8 @@ private:
     bool showsSomething() const;
     void placeGrip();
     BkCalendarItemWidget* makeWidget(BkCalendarItem* item);
+    // The box of another column that a booking moved here takes along, or null for a new one.
+    BkCalendarItemWidget* boxToTakeAlong(const BkCalendarItem* item) const;
     // This column's boxes of the bookings that have one here, in the bookings' order.
     QList<BkCalendarItemWidget*> boxesInOrder(const QList<BkCalendarItem*>& items) const;
 

@@ -12,6 +12,7 @@
 #include <QList>
 #include <QObject>
 #include <QTime>
+#include <QVarLengthArray>
 
 #include <QPoint>
 #include <QPointF>
@@ -105,6 +106,10 @@ public:
     // The box of the booking that stands in the given column, if any. A booking that two columns show
     // names only its newest box; the column that made the other may be asked as well.
     static BkCalendarItemWidget* boxIn(const BkCalendarItem* item, const QGraphicsItem* column);
+    // All boxes of the booking that are not being deleted, the one its `widget` names first.
+    static QVarLengthArray<BkCalendarItemWidget*, 2> boxesOf(const BkCalendarItem* item);
+    // Makes this box the one that its booking names; the one named before counts among its others.
+    void becomeNamed();
 
 signals:
     void itemActivated(BkCalendarItem* item);

@@ -113,6 +113,8 @@ private slots:
     void dragStartedByTheMouseEndsInAnotherColumn();
     void bookingOfAPersonAndARoomKeepsOneBoxInEachOfTheirColumns_data();
     void bookingOfAPersonAndARoomKeepsOneBoxInEachOfTheirColumns();
+    void bookingMovedInAGroupTakesAlongTheBoxOfTheKeyItLeaves_data();
+    void bookingMovedInAGroupTakesAlongTheBoxOfTheKeyItLeaves();
 
     void moveListRowIsReadByteExactly();
     void moveListRowDropCommitsAndDeletesTheRow();
@@ -604,6 +606,77 @@ void tst_BkCalendarDragDrop::bookingOfAPersonAndARoomKeepsOneBoxInEachOfTheirCol
     // Both boxes stand at the booking's new time, over their column's whole width.
     QCOMPARE(annasBox->pos().y(), roomsBox->pos().y());
     QCOMPARE(roomsBox->colCount(), 1);
+}
+
+void tst_BkCalendarDragDrop::bookingMovedInAGroupTakesAlongTheBoxOfTheKeyItLeaves_data()
+{
+    QTest::addColumn<bool>("fromMoveList");
+    QTest::addColumn<QVariant>("room");
+    QTest::addColumn<int>("target");
+    // The group shows Anna, room 5, Bert and room 6; the booking is Anna's, in the room given.
+    QTest::newRow("to Bert, with a room") << false << Room << 2;
+    QTest::newRow("to room 6, with a room") << false << Room << 3;
+    QTest::newRow("to room 6, without a room") << false << QVariant() << 3;
+    QTest::newRow("to Bert, from the move list") << true << Room << 2;
+    QTest::newRow("to room 6, from the move list") << true << Room << 3;
+}
+
+void tst_BkCalendarDragDrop::bookingMovedInAGroupTakesAlongTheBoxOfTheKeyItLeaves()
+{
+    // A move into a person's column changes the booking's person, one into a room's column its room;
+    // the other key stays. The booking stands in the columns of its keys, and in no other.
+    QFETCH(bool, fromMoveList);
+    QFETCH(QVariant, room);
+    QFETCH(int, target);
+    BookingScene s;
+    const BkCalendarResource room5(Room, QStringLiteral("Room 5"), 1);
+    const BkCalendarResource room6(QVariant(6), QStringLiteral("Room 6"), 1);
+    for (const BkCalendarResource& who : {Anna, room5, Bert, room6})
+        s.addPlan(Day, who, t(8, 0), t(16, 0));
+    BkCalendarItem* booking = s.addItem(1, Day, Anna.id, room, t(9, 0), t(10, 0));
+    const QList<BkCalendarColumn*> columns = {s.addColumn(Day, Anna), s.addColumn(Day, room5),
+                                              s.addColumn(Day, Bert), s.addColumn(Day, room6)};
+    s.show();
+    QHash<BkCalendarColumn*, BkCalendarItemWidget*> before;
+    for (BkCalendarColumn* column : columns) {
+        const QList<BkCalendarItemWidget*> boxes = boxesOf(column, booking);
+        QVERIFY(boxes.size() <= 1);
+        if (!boxes.isEmpty())
+            before.insert(column, boxes.first());
+    }
+    QCOMPARE(before.size(), room.isNull() ? 1 : 2);
+
+    FwTreeWidget tree;
+    FwTreeWidgetItem* row = addRow(&tree, QVariant(1));
+    auto data = fromMoveList ? treeData(treePayload(1, qint64(addressOf(row)))) : calItemData("1");
+    BkCalendarColumn* into = columns.at(target);
+    const auto at = [&s](BkCalendarColumn* column, QTime time) { return s.scenePoint(column, time, 100); };
+    sendDrag(&s.scene, QEvent::GraphicsSceneDragEnter, at(into, t(11, 0)), data.get(), s.view.viewport());
+    sendDrag(&s.scene, QEvent::GraphicsSceneDragMove, at(into, t(11, 0)), data.get(), s.view.viewport());
+    sendDrag(&s.scene, QEvent::GraphicsSceneDrop, at(into, t(11, 0)), data.get(), s.view.viewport());
+
+    const bool toRoom = target == 3;
+    QCOMPARE(booking->start(), t(11, 0));
+    QCOMPARE(booking->userId(), toRoom ? Anna.id : Bert.id);
+    QCOMPARE(booking->resourceId(), toRoom ? QVariant(6) : room);
+    // One box in each column of the booking's keys, none elsewhere.
+    for (BkCalendarColumn* column : columns) {
+        const bool belongs = booking->isLike(column->resource());
+        QCOMPARE(boxesOf(column, booking).size(), belongs ? 1 : 0);
+    }
+    // The box of the column of the other kind stays where it was; the one of the key that the
+    // booking left went along, if there was one.
+    BkCalendarColumn* left = toRoom ? columns.at(1) : columns.at(0);
+    BkCalendarColumn* kept = toRoom ? columns.at(0) : columns.at(1);
+    if (before.contains(kept))
+        QCOMPARE(boxesOf(kept, booking).first(), before.value(kept));
+    if (before.contains(left))
+        QCOMPARE(boxesOf(into, booking).first(), before.value(left));
+    else
+        QVERIFY(!before.values().contains(boxesOf(into, booking).first()));
+    QCOMPARE(booking->widget->parentItem(), into);
+    QVERIFY(into->isSelected());
+    QCOMPARE(tree.topLevelItemCount(), fromMoveList ? 0 : 1);
 }
 
 void tst_BkCalendarDragDrop::moveListRowIsReadByteExactly()
