@@ -369,8 +369,16 @@ void BkCalendarItemWidget::widthChanged(double width)
 void BkCalendarItemWidget::itemChanged(BkCalendarItem* item)
 {
     // The model tells every box of every booking.
-    if (item && item == mItem)
-        updateInfo();
+    if (!item || item != mItem)
+        return;
+    const QPointF was = pos();
+    const double height = mRect.height();
+    updateInfo();
+    // A booking whose end alone changed (a rollback to an earlier length, or a host's new end) gets its
+    // new height where it stands; as it does not move, nothing else lays the column out, and its old
+    // share would leave it lying over its new neighbours, or beside a gap.
+    if (mItem == item && pos().x() == was.x() && pos().y() == was.y() && mRect.height() != height)
+        updated();
 }
 
 void BkCalendarItemWidget::itemRemoved(BkCalendarItem* item)

@@ -281,6 +281,7 @@ private slots:
     void shouldRunAsTheLiteralRuleWhenBoxesChangeDuringTheRun_data();
     void shouldRunAsTheLiteralRuleWhenBoxesChangeDuringTheRun();
     void shouldLetLaterBoxesOfARunSeeAHeightThatChangedInIt();
+    void shouldLayOutAgainWhenOnlyTheEndOfABookingChanges();
     void shouldRunAsTheLiteralRuleWhenABookingArrives_data();
     void shouldRunAsTheLiteralRuleWhenABookingArrives();
     void shouldLayOutAClusterOfTwentyThousandBoxesInOneRun();
@@ -697,6 +698,45 @@ void tst_BkCalendarCollisions::shouldLetLaterBoxesOfARunSeeAHeightThatChangedInI
     QCOMPARE(c->widget->colCount(), 2);
     QCOMPARE(a->widget->colCount(), 2);
     QCOMPARE(c->widget->x(), 100.0);
+}
+
+void tst_BkCalendarCollisions::shouldLayOutAgainWhenOnlyTheEndOfABookingChanges()
+{
+    // A booking whose end alone changes keeps its top: its box does not move, yet its neighbours are new.
+    BkColumnFixture fixture;
+    BkCalendarItem* a = fixture.addItem(QTime(16, 15), QTime(16, 45), 1);
+    BkCalendarItem* b = fixture.addItem(QTime(16, 45), QTime(17, 0), 2);
+    fixture.model.commitToDatabase();
+    QCOMPARE(a->widget->colCount(), 1);
+    QCOMPARE(b->widget->colCount(), 1);
+
+    // Longer by half an hour: a now overlaps b, and the two share the width.
+    a->setTime(QTime(16, 15), QTime(17, 15));
+    QCOMPARE(a->widget->boundingRect().height(), 60 * 1.5);
+    QCOMPARE(a->widget->colIndex(), 0);
+    QCOMPARE(a->widget->colCount(), 2);
+    QCOMPARE(b->widget->colIndex(), 1);
+    QCOMPARE(b->widget->colCount(), 2);
+    QCOMPARE(b->widget->x(), 100.0);
+
+    // Shortened before b begins while unsaved: each takes the whole width again.
+    a->setTime(QTime(16, 15), QTime(16, 30));
+    QCOMPARE(a->widget->boundingRect().height(), 15 * 1.5);
+    QCOMPARE(a->widget->colCount(), 1);
+    QCOMPARE(b->widget->colCount(), 1);
+    QCOMPARE(b->widget->x(), 0.0);
+    QCOMPARE(b->widget->boundingRect().width(), 200.0);
+
+    // Taken back to the hour of the first change, as the rollback of a drag that left the scene does:
+    // the two overlap again.
+    a->rollback();
+    QCOMPARE(a->end(), QTime(17, 15));
+    QCOMPARE(a->widget->boundingRect().height(), 60 * 1.5);
+    QCOMPARE(a->widget->colCount(), 2);
+    QCOMPARE(b->widget->colIndex(), 1);
+    QCOMPARE(b->widget->colCount(), 2);
+    QCOMPARE(a->widget->boundingRect().width(), 100.0);
+    QCOMPARE(b->widget->x(), 100.0);
 }
 
 void tst_BkCalendarCollisions::shouldRunAsTheLiteralRuleWhenABookingArrives_data()
