@@ -517,11 +517,14 @@ BkCalendarItemWidget* BkCalendarColumn::makeWidget(BkCalendarItem* item)
     BkCalendarItemWidget::sPlaceLaterIn = mHoldLayout ? this : nullptr;
     auto* widget = new BkCalendarItemWidget(item, mScale, this);
     // The box's coming may let the host in. An answer that took the booking out of the model, deleted
-    // it or took the box away leaves the column to go on without it.
+    // it, took the box away or updated the column, which retired it, leaves the column to go on without
+    // it.
     if (widget->deleting() || widget->parentItem() != this || widget->item() != item ||
         item->model != model) {
-        if (!widget->deleting()) {
-            // The host may have selected it or given it the focus, and hears of it going.
+        // A box that still stands in the column goes now that it is whole; one that the host took
+        // away, or that goes with a retired column, is gone already. The host may have selected it or
+        // given it the focus, and hears of it going.
+        if (!widget->deleting() || (widget->parentItem() == this && !mRetired)) {
             const BkCalendarHostVisit visit;
             BkCalendarHostVisit::remove(widget);
         }
@@ -573,8 +576,15 @@ void BkCalendarColumn::updateChildren()
             visit.emplace();
         for (int i = children.size() - 1; i >= 0; --i) {
             QGraphicsItem* child = children.at(i);
-            if (child->data(ItemKindRole).toInt() != ItemKindItemWidget)
+            if (child->data(ItemKindRole).toInt() != ItemKindItemWidget) {
+                // A box that is still joining this column carries no mark yet, and is one of the old
+                // boxes all the same: the host came in as Qt added it. Qt is in the middle of that, so
+                // the box is only retired here; the column that makes it takes it away once it is whole.
+                if (auto* joining = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
+                    joining && joining->mJoining && !joining->deleting())
+                    BkCalendarItemWidget::retire(child);
                 continue;
+            }
             // A box that an outer update is taking away already, and in whose going the host's answer
             // had the column updated.
             if (const auto* box = qgraphicsitem_cast<BkCalendarItemWidget*>(child); box && box->deleting())

@@ -230,6 +230,8 @@ private slots:
     void shouldOutliveABoxThatTheHostRebuildsWhileItPaints();
     void shouldShowTheHostOnlyWholeBoxesAsTheFocusComesBack_data();
     void shouldShowTheHostOnlyWholeBoxesAsTheFocusComesBack();
+    void shouldDropTheBoxBeingMadeWhenTheHostShowsAnotherWeekAsTheFocusComesBack_data();
+    void shouldDropTheBoxBeingMadeWhenTheHostShowsAnotherWeekAsTheFocusComesBack();
     void shouldOutliveAHostThatShowsAGroupAsTheFocusComesBack();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
@@ -1462,6 +1464,50 @@ void tst_BkCalendarView::shouldShowTheHostOnlyWholeBoxesAsTheFocusComesBack()
                                                                60 * f.view.timeScale()->minuteHeight();
         QCOMPARE(item->widget->y(), y);
     }
+    QVERIFY(!f.view.grab().isNull());
+}
+
+void tst_BkCalendarView::shouldDropTheBoxBeingMadeWhenTheHostShowsAnotherWeekAsTheFocusComesBack_data()
+{
+    QTest::addColumn<bool>("added");
+    QTest::newRow("a booking is added") << true;
+    QTest::newRow("the column is updated") << false;
+}
+
+void tst_BkCalendarView::shouldDropTheBoxBeingMadeWhenTheHostShowsAnotherWeekAsTheFocusComesBack()
+{
+    // The focus comes back as the first box of Monday joins its column, and the host answers by showing
+    // the next week: the columns take their new days and make their boxes, while the box that was being
+    // made is one of last week's.
+    QFETCH(bool, added);
+    AnnasWeekBesideAnEdit w;
+    QVERIFY(w.ok);
+    AnnasWeekWithBookings& f = w.f;
+    BkCalendarColumn* monday = f.view.getColumnList().first();
+    int answers = 0;
+    connect(f.view.scene(), &QGraphicsScene::focusItemChanged, &f.view, [&](QGraphicsItem* now) {
+        if (now && answers++ == 0)
+            f.view.setDate(Monday.addDays(7));
+    });
+    BkCalendarItem* newcomer = nullptr;
+    if (added)
+        newcomer = addBooking(f.model, 1, Monday, 4, QTime(14, 0), QTime(15, 0));
+    else
+        monday->update();
+
+    QVERIFY(answers > 0);
+    QCOMPARE(monday->date(), Monday.addDays(7));
+    verifyColumnsAndBoxes(f.view);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    verifyColumnsAndBoxes(f.view);
+    // Every column shows its own day's bookings, one box each, and nothing of last week.
+    for (BkCalendarColumn* column : f.view.getColumnList()) {
+        for (BkCalendarItem* item : boxedItems(column))
+            QCOMPARE(item->date(), column->date());
+    }
+    QCOMPARE(boxedItems(monday).size(), 1);
+    if (newcomer)
+        QVERIFY(!newcomer->widget);
     QVERIFY(!f.view.grab().isNull());
 }
 
