@@ -106,10 +106,6 @@ public:
     // The box of the booking that stands in the given column, if any. A booking that two columns show
     // names only its newest box; the column that made the other may be asked as well.
     static BkCalendarItemWidget* boxIn(const BkCalendarItem* item, const QGraphicsItem* column);
-    // All boxes of the booking that are not being deleted, the one its `widget` names first.
-    static QVarLengthArray<BkCalendarItemWidget*, 2> boxesOf(const BkCalendarItem* item);
-    // Makes this box the one that its booking names; the one named before counts among its others.
-    void becomeNamed();
 
 signals:
     void itemActivated(BkCalendarItem* item);
@@ -137,6 +133,10 @@ protected:
 private:
     // What the deletion of a box undoes: the booking no longer names it or counts it among its boxes.
     void letGoOfItem();
+    // All boxes of the booking that are not being deleted, the one its `widget` names first.
+    static QVarLengthArray<BkCalendarItemWidget*, 2> boxesOf(const BkCalendarItem* item);
+    // Makes this box the one that its booking names; the one named before counts among its others.
+    void becomeNamed();
     // Makes the finished box a child of its column.
     void join(BkCalendarColumn* column);
     // Ends a later placing: the box takes its size and place, as updateInfo gives them.
