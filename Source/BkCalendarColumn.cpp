@@ -1380,8 +1380,13 @@ void BkCalendarColumn::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
             emit planContextMenu(event->screenPos(), plan, time);
         }
     }
-    if (self)
-        QGraphicsItem::mouseReleaseEvent(event);
+    if (!self)
+        return;
+    // Qt's release leaves only this column selected and tells the scene's listeners before it selects
+    // the column once more; a host that rebuilds the grid in its answer takes the column away while
+    // Qt goes on with it.
+    const BkCalendarHostVisit visit;
+    QGraphicsItem::mouseReleaseEvent(event);
 }
 
 void BkCalendarColumn::mousePressEvent(QGraphicsSceneMouseEvent* event)

@@ -593,6 +593,10 @@ void BkCalendarItemWidget::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
         return;
     mMoved = false;
     mPressPos = QPointF(0.0, 0.0);
+    // Qt's release leaves only this box selected and tells the scene's listeners before it selects the
+    // box once more; a host that rebuilds the grid in its answer takes the box away while Qt goes on
+    // with it.
+    const BkCalendarHostVisit visit;
     QGraphicsItem::mouseReleaseEvent(event);
 }
 
