@@ -135,20 +135,41 @@ protected:
     }
 };
 
-bool runXdotool(const QPoint& at, const QString& button)
+// Runs xdotool's steps while the application goes on handling its events; true when all went through.
+bool runXdotool(const QStringList& steps)
 {
     QProcess xdotool;
-    xdotool.start(QStringLiteral("xdotool"),
-                  {QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y()),
-                   QStringLiteral("sleep"), QStringLiteral("0.3"), QStringLiteral("click"), button,
-                   QStringLiteral("sleep"), QStringLiteral("0.3")});
+    xdotool.start(QStringLiteral("xdotool"), steps);
     if (!xdotool.waitForStarted())
         return false;
     QElapsedTimer waited;
     waited.start();
-    while (xdotool.state() != QProcess::NotRunning && waited.elapsed() < 20000)
+    while (xdotool.state() != QProcess::NotRunning && waited.elapsed() < 30000)
         QTest::qWait(20);
     return xdotool.state() == QProcess::NotRunning && xdotool.exitCode() == 0;
+}
+
+bool runXdotool(const QPoint& at, const QString& button)
+{
+    return runXdotool({QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y()),
+                       QStringLiteral("sleep"), QStringLiteral("0.3"), QStringLiteral("click"), button,
+                       QStringLiteral("sleep"), QStringLiteral("0.3")});
+}
+
+// The left button pressed at `grab`, taken to `drop` in a few steps as a hand moves, and let go there.
+bool dragWithThePointer(const QPoint& grab, const QPoint& drop)
+{
+    QStringList steps{QStringLiteral("mousemove"), QString::number(grab.x()), QString::number(grab.y()),
+                      QStringLiteral("sleep"),     QStringLiteral("0.2"),     QStringLiteral("mousedown"),
+                      QStringLiteral("1"),         QStringLiteral("sleep"),   QStringLiteral("0.2")};
+    for (int i = 1; i <= 6; ++i) {
+        const QPoint at = grab + (drop - grab) * i / 6;
+        steps << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
+              << QStringLiteral("sleep") << QStringLiteral("0.2");
+    }
+    steps << QStringLiteral("mouseup") << QStringLiteral("1") << QStringLiteral("sleep")
+          << QStringLiteral("0.3");
+    return runXdotool(steps);
 }
 } // namespace
 
@@ -339,22 +360,7 @@ void tst_DemoDrive::shouldDragABookingOfAPersonAndARoomAcrossTheGroupWithTheReal
     const QPoint grab = view->viewport()->mapToGlobal(view->mapFromScene(grabScene));
     const QPoint drop = view->viewport()->mapToGlobal(view->mapFromScene(dropScene));
     QVERIFY(view->viewport()->rect().contains(view->mapFromScene(dropScene)));
-    QProcess xdotool;
-    QStringList steps{QStringLiteral("mousemove"), QString::number(grab.x()), QString::number(grab.y()),
-                      QStringLiteral("sleep"),     QStringLiteral("0.2"),     QStringLiteral("mousedown"),
-                      QStringLiteral("1"),         QStringLiteral("sleep"),   QStringLiteral("0.2")};
-    // Out of the box sideways, then over to the drop in a few steps, as a hand moves.
-    for (int i = 1; i <= 6; ++i) {
-        const QPoint at = grab + (drop - grab) * i / 6;
-        steps << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
-              << QStringLiteral("sleep") << QStringLiteral("0.2");
-    }
-    steps << QStringLiteral("mouseup") << QStringLiteral("1") << QStringLiteral("sleep")
-          << QStringLiteral("0.3");
-    xdotool.start(QStringLiteral("xdotool"), steps);
-    QVERIFY(xdotool.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(xdotool.state() == QProcess::NotRunning, 30000);
-    QCOMPARE(xdotool.exitCode(), 0);
+    QVERIFY(dragWithThePointer(grab, drop));
 
     QTRY_COMPARE_WITH_TIMEOUT(QTime(item->start().hour(), item->start().minute()), later, 10000);
     QTRY_VERIFY_WITH_TIMEOUT(storedStart(demo.file, id).startsWith(later.toString(QStringLiteral("HH:mm"))),
@@ -435,21 +441,7 @@ void tst_DemoDrive::shouldTakeABookingOfAPersonAndARoomToAnotherPersonWithTheRea
     QVERIFY(view->viewport()->rect().contains(view->mapFromScene(dropScene)));
     const QPoint grab = view->viewport()->mapToGlobal(view->mapFromScene(grabScene));
     const QPoint drop = view->viewport()->mapToGlobal(view->mapFromScene(dropScene));
-    QStringList steps{QStringLiteral("mousemove"), QString::number(grab.x()), QString::number(grab.y()),
-                      QStringLiteral("sleep"),     QStringLiteral("0.2"),     QStringLiteral("mousedown"),
-                      QStringLiteral("1"),         QStringLiteral("sleep"),   QStringLiteral("0.2")};
-    for (int i = 1; i <= 6; ++i) {
-        const QPoint at = grab + (drop - grab) * i / 6;
-        steps << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
-              << QStringLiteral("sleep") << QStringLiteral("0.2");
-    }
-    steps << QStringLiteral("mouseup") << QStringLiteral("1") << QStringLiteral("sleep")
-          << QStringLiteral("0.3");
-    QProcess xdotool;
-    xdotool.start(QStringLiteral("xdotool"), steps);
-    QVERIFY(xdotool.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(xdotool.state() == QProcess::NotRunning, 30000);
-    QCOMPARE(xdotool.exitCode(), 0);
+    QVERIFY(dragWithThePointer(grab, drop));
 
     QTRY_COMPARE_WITH_TIMEOUT(item->userId(), other->resource().id, 10000);
     QTRY_COMPARE_WITH_TIMEOUT(storedField(demo.file, id, QStringLiteral("bk_user")),
