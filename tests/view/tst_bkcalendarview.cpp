@@ -1496,20 +1496,27 @@ void tst_BkCalendarView::shouldOutliveAHostThatRebuildsTheColumnsAsAClickOnAnIte
     monday->setSelected(true);
     booking->widget->setSelected(true);
     QVERIFY(monday->isSelected() && booking->widget->isSelected());
+    // The clicked item, which Qt goes on with after the answer: it stands, hidden and out of the scene,
+    // until the event loop runs.
+    const QPointer<QObject> clicked(onBox ? static_cast<QObject*>(booking->widget) : monday);
     bool rebuilt = false;
+    bool clickedStood = false;
     connect(f.view.scene(), &QGraphicsScene::selectionChanged, &f.view, [&] {
         if (rebuilt)
             return;
         rebuilt = true;
         f.view.setResources({BkCalendarResource(5, QStringLiteral("Ben"), 0)});
+        clickedStood = clicked && !target->scene();
     });
     const QPoint at = f.view.mapFromScene(scenePoint);
     QTest::mouseClick(f.view.viewport(), Qt::LeftButton, Qt::NoModifier, at);
 
     QVERIFY(rebuilt);
+    QVERIFY(clickedStood);
     QCOMPARE(f.view.getColumnList().size(), 1);
     QCOMPARE(f.view.getColumnList().first()->resource().id.toInt(), 5);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!clicked);
     verifyColumnsAndBoxes(f.view);
     QVERIFY(!booking->widget);
     QVERIFY(!f.view.grab().isNull());
