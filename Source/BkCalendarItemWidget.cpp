@@ -134,11 +134,7 @@ BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeS
     // Taken before anything can let the host in, whose answer may make boxes of its own.
     mPlaceLater = column && sPlaceLaterIn == column;
     sPlaceLaterIn = nullptr;
-    if (mItem) {
-        if (mItem->widget && mItem->widget->item() == mItem)
-            otherBoxes()[mItem].append(mItem->widget);
-        mItem->widget = this;
-    }
+    becomeNamed();
     setFlags(QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable | QGraphicsItem::ItemIsFocusable |
              QGraphicsItem::ItemSendsGeometryChanges | QGraphicsItem::ItemSendsScenePositionChanges);
     setAcceptHoverEvents(true);
