@@ -43,6 +43,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 bool calendarItemLessThan(BkCalendarItem* a, BkCalendarItem* b)
 {
@@ -278,6 +279,12 @@ struct BkCalendarColumn::LayoutMemo
     QVector<LayoutBox> scratch;
     // The room of a run's interrupted runs, which in a cluster of n boxes grow to n.
     std::vector<int> interrupted;
+    // The box whose joining the column is being told of, while the run at its joining is under way.
+    BkCalendarItemWidget* joining = nullptr;
+    // The box whose joining ran the layout, with the children that run listed, kept for the run at
+    // the box's first place (see keepBoxesOfJoining); taken by the next run, whichever it is.
+    BkCalendarItemWidget* joiner = nullptr;
+    QList<QGraphicsItem*> joinChildren;
 };
 
 BkCalendarColumn::BkCalendarColumn(QGraphicsItem* parent, bool resizable)
@@ -671,6 +678,10 @@ QVariant BkCalendarColumn::itemChange(QGraphicsItem::GraphicsItemChange change, 
             else
                 keepOrderOfComing(child);
         }
+        auto* box =
+            change == ItemChildAddedChange ? qgraphicsitem_cast<BkCalendarItemWidget*>(child) : nullptr;
+        const QScopedValueRollback<BkCalendarItemWidget*> joining(mLayoutMemo->joining,
+                                                                  box && box->mJoining ? box : nullptr);
         checkCollisions();
     }
     if (isItemChangeNotice(change))
@@ -923,27 +934,84 @@ void BkCalendarColumn::checkCollisions()
     }
 
     LayoutRun run(mLayoutMemo.get());
-    run.widgets.clear();
     mLayoutMemo->settled = false;
     const QList<QGraphicsItem*> children = childItems();
-    run.widgets.reserve(children.size());
-    for (QGraphicsItem* child : children) {
-        // A widget under construction has no kind yet and is passed over; it joins at its first move.
-        if (!child->isVisible() || variantToInt(child->data(ItemKindRole)) != ItemKindItemWidget)
-            continue;
-        auto* widget = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
-        if (widget && !widget->deleting())
-            run.widgets.append(widget);
+    if (!takeBoxesOfJoining(run, children)) {
+        run.widgets.clear();
+        run.widgets.reserve(children.size());
+        for (QGraphicsItem* child : children) {
+            // A widget under construction has no kind yet and is passed over; it joins at its first
+            // move.
+            if (!child->isVisible() || variantToInt(child->data(ItemKindRole)) != ItemKindItemWidget)
+                continue;
+            auto* widget = qgraphicsitem_cast<BkCalendarItemWidget*>(child);
+            if (widget && !widget->deleting())
+                run.widgets.append(widget);
+        }
+        if (run.widgets.isEmpty())
+            return;
+        run.compute();
     }
-    if (run.widgets.isEmpty())
-        return;
-    run.compute();
     mLayoutRun = &run;
     settleLayout(run);
     mLayoutRun = nullptr;
     // The answers are kept for the boxes as they stand now: each box set was checked at once, and a
     // walk that found every box settled has checked them all.
     mLayoutMemo->settled = run.settled == run.widgets.size() || run.allHoldAnswers();
+    keepBoxesOfJoining(run, children);
+}
+
+// A new box starts two runs: one as it joins the column, before it has its kind, and one at its first
+// place. The first reads every box, its kind from Qt's store of item data, its top, height and id;
+// and leaves the answers kept for the boxes exactly as they stand. Between the two runs only Qt's
+// last steps of taking in the child and the box's own constructor run, and neither touches another
+// box: Qt lets the host in only where it activates the new box, that is in an active column whose
+// scene lacks the focus (it gives the scene the focus back, and the scene tells its listeners) or has
+// an active panel. Where it does not, the run at the first place takes the boxes of the first run
+// and reads the new box alone; everywhere else it reads them all again.
+void BkCalendarColumn::keepBoxesOfJoining(const LayoutRun& run, const QList<QGraphicsItem*>& children)
+{
+    BkCalendarItemWidget* box = mLayoutMemo->joining;
+    if (!box || run.widgets.isEmpty())
+        return;
+    if (isActive() && (!scene()->hasFocus() || scene()->activePanel()))
+        return;
+    mLayoutMemo->joiner = box;
+    mLayoutMemo->joinChildren = children;
+}
+
+bool BkCalendarColumn::takeBoxesOfJoining(LayoutRun& run, const QList<QGraphicsItem*>& children)
+{
+    LayoutMemo& memo = *mLayoutMemo;
+    BkCalendarItemWidget* box = std::exchange(memo.joiner, nullptr);
+    const QList<QGraphicsItem*> listed = std::exchange(memo.joinChildren, QList<QGraphicsItem*>());
+    // Qt's list of children stays shared with the copy kept until Qt changes it, so the box is still
+    // a child, and alive. Once its constructor is done the host may have been in.
+    if (!box || !children.isSharedWith(listed) || !box->mBeingMade)
+        return false;
+    // The box has its kind now; the other boxes, with their tops, heights and ids, are those that
+    // the answers were kept for.
+    if (!box->isVisible() || variantToInt(box->data(ItemKindRole)) != ItemKindItemWidget || box->deleting()) {
+        run.settled = 0;
+        return true;
+    }
+    int at = 0;
+    for (QGraphicsItem* child : children) {
+        if (child == box)
+            break;
+        if (at < run.widgets.size() && child == run.widgets.at(at))
+            ++at;
+    }
+    run.widgets.insert(at, box);
+    QVector<LayoutBox>& boxes = memo.scratch;
+    boxes.resize(memo.boxes.size() + 1);
+    std::copy(memo.boxes.cbegin(), memo.boxes.cbegin() + at, boxes.begin());
+    boxes[at] = layoutBoxOf(box);
+    std::copy(memo.boxes.cbegin() + at, memo.boxes.cend(), boxes.begin() + at + 1);
+    computeLayout(boxes, memo.indexes, memo.counts);
+    memo.boxes.swap(boxes);
+    run.settled = 0;
+    return true;
 }
 
 void BkCalendarColumn::settleLayout(LayoutRun& run)

@@ -149,6 +149,7 @@ BkCalendarItemWidget::BkCalendarItemWidget(BkCalendarItem* item, BkCalendarTimeS
     setData(ItemKindRole, int(ItemKindItemWidget));
     setData(0, 1);
     updateInfo();
+    mBeingMade = false;
 }
 
 void BkCalendarItemWidget::join(BkCalendarColumn* column)

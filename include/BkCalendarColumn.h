@@ -167,6 +167,8 @@ private:
     struct LayoutRun;
     struct LayoutMemo;
     void settleLayout(LayoutRun& run);
+    bool takeBoxesOfJoining(LayoutRun& run, const QList<QGraphicsItem*>& children);
+    void keepBoxesOfJoining(const LayoutRun& run, const QList<QGraphicsItem*>& children);
     void keepOrderOfComing(QGraphicsItem* child);
     void moveTo(const QPointF& position);
     bool showsSomething() const;

@@ -157,6 +157,9 @@ private:
     bool mExpanded;
     bool mDeleting;
     bool mJoining = false;
+    // True from the start of the constructor to its end: the stretch from the box's joining to its
+    // first place, in which only the calendar's own steps and Qt's run.
+    bool mBeingMade = true;
     // Made by a column that builds its boxes in one go: the box takes its place only when the column
     // has given it its width. Nothing can see it between its joining and then, and every move on the
     // way would cost Qt its full round of notices for nothing.

@@ -275,6 +275,7 @@ private slots:
     void shouldFindWholeConnectedRunWhateverTheListOrder();
     void shouldTakeNewBoxIntoTheLayoutThroughItsFirstMove();
     void shouldCountABoxWhoseBookingWasRemovedUntilItGoes();
+    void shouldReadTheBoxesAfreshAfterABoxThatTookNoPlaceAtItsMaking();
     void shouldOrderItemsByStart();
     void shouldMatchTheLiteralRuleOnRandomDays_data();
     void shouldMatchTheLiteralRuleOnRandomDays();
@@ -542,6 +543,28 @@ void tst_BkCalendarCollisions::shouldTakeNewBoxIntoTheLayoutThroughItsFirstMove(
     QCOMPARE(b->widget->colIndex(), 0);
     QCOMPARE(c->widget->x(), 100.0);
     delete a;
+}
+
+void tst_BkCalendarCollisions::shouldReadTheBoxesAfreshAfterABoxThatTookNoPlaceAtItsMaking()
+{
+    // A box made without a booking takes no first place, so no layout run follows the run of its
+    // joining. Then the host hides a box: the next run leaves it out.
+    BkColumnFixture fixture;
+    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
+    BkCalendarItem* hidden = fixture.addItem(QTime(9, 15), QTime(10, 15), 2);
+    BkCalendarItem* c = fixture.addItem(QTime(9, 30), QTime(10, 30), 3);
+    auto* empty = new BkCalendarItemWidget(nullptr, fixture.scale, fixture.column);
+    QCOMPARE(empty->pos(), QPointF(0.0, 0.0));
+    QCOMPARE(c->widget->colCount(), 3);
+
+    hidden->widget->setVisible(false);
+    fixture.column->checkCollisions();
+    QCOMPARE(a->widget->colCount(), 2);
+    QCOMPARE(c->widget->colCount(), 2);
+    QCOMPARE(c->widget->colIndex(), 1);
+    QCOMPARE(c->widget->x(), 100.0);
+    // The box without a booking stands alone at the top, above the first booking.
+    QCOMPARE(empty->colCount(), 1);
 }
 
 void tst_BkCalendarCollisions::shouldCountABoxWhoseBookingWasRemovedUntilItGoes()

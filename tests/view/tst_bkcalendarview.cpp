@@ -235,6 +235,8 @@ private slots:
     void shouldDropTheBoxBeingMadeWhenTheHostShowsAnotherWeekAsTheFocusComesBack_data();
     void shouldDropTheBoxBeingMadeWhenTheHostShowsAnotherWeekAsTheFocusComesBack();
     void shouldOutliveAHostThatShowsAGroupAsTheFocusComesBack();
+    void shouldLayOutOnlyTheBoxesThatTheHostLeavesAsTheFocusComesBack_data();
+    void shouldLayOutOnlyTheBoxesThatTheHostLeavesAsTheFocusComesBack();
 
     void shouldHandTheModelAndRaiseToEveryColumn();
     void shouldShowNothingOnceItsModelIsGone();
@@ -1600,6 +1602,57 @@ void tst_BkCalendarView::shouldOutliveAHostThatShowsAGroupAsTheFocusComesBack()
     QVERIFY(boxedItems(annas).contains(newcomer));
     QCOMPARE(newcomer->widget->parentItem(), static_cast<QGraphicsItem*>(annas));
     QVERIFY(!f.view.grab().isNull());
+}
+
+void tst_BkCalendarView::shouldLayOutOnlyTheBoxesThatTheHostLeavesAsTheFocusComesBack_data()
+{
+    QTest::addColumn<bool>("hidden");
+    QTest::newRow("the host hides a box") << true;
+    QTest::newRow("the host marks a box as something else") << false;
+}
+
+void tst_BkCalendarView::shouldLayOutOnlyTheBoxesThatTheHostLeavesAsTheFocusComesBack()
+{
+    // Monday has two overlapping bookings when a third comes. Its box is activated by Qt as it joins
+    // the column, after the layout run of its joining; the focus comes back into the scene, and the
+    // host answers by taking the first of Monday's boxes out of the layout. The run at the new box's
+    // first place lays out the two boxes that are left, beside each other.
+    QFETCH(bool, hidden);
+    AnnasWeekBesideAnEdit w;
+    QVERIFY(w.ok);
+    AnnasWeekWithBookings& f = w.f;
+    BkCalendarColumn* monday = f.view.getColumnList().first();
+    BkCalendarItem* first = addBooking(f.model, 1, Monday, 4, QTime(14, 0), QTime(15, 0));
+    BkCalendarItem* second = addBooking(f.model, 2, Monday, 4, QTime(14, 30), QTime(15, 30));
+    QCOMPARE(second->widget->colCount(), 2);
+    // The first booking's coming gave the scene the focus back, while the line edit kept the window's;
+    // the view takes that, and the line edit takes it back.
+    f.view.setFocus();
+    w.window.findChild<QLineEdit*>()->setFocus();
+    QVERIFY(!f.view.scene()->hasFocus());
+    int answers = 0;
+    connect(f.view.scene(), &QGraphicsScene::focusItemChanged, &f.view, [&](QGraphicsItem* now) {
+        if (!now || answers++ > 0)
+            return;
+        if (hidden)
+            first->widget->setVisible(false);
+        else
+            first->widget->setData(ItemKindRole, 0);
+    });
+    BkCalendarItem* third = addBooking(f.model, 3, Monday, 4, QTime(14, 45), QTime(15, 45));
+
+    QCOMPARE(answers, 1);
+    QCOMPARE(third->widget->parentItem(), static_cast<QGraphicsItem*>(monday));
+    QCOMPARE(second->widget->colIndex(), 0);
+    QCOMPARE(second->widget->colCount(), 2);
+    QCOMPARE(third->widget->colIndex(), 1);
+    QCOMPARE(third->widget->colCount(), 2);
+    const double half = (monday->boundingRect().width() - 5.0) / 2;
+    QCOMPARE(second->widget->boundingRect().width(), half);
+    QCOMPARE(third->widget->x(), half);
+    // The box taken out keeps what it had.
+    QCOMPARE(first->widget->colIndex(), 0);
+    QCOMPARE(first->widget->colCount(), 2);
 }
 
 void tst_BkCalendarView::shouldAskForAGroupWhenTheListIsEmpty()
