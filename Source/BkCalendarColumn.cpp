@@ -36,7 +36,6 @@
 #include <QStyle>
 #include <QStyleOptionGraphicsItem>
 #include <QTreeWidgetItemIterator>
-#include <QVarLengthArray>
 #include <QVector>
 #include <QWidget>
 
@@ -76,12 +75,26 @@ bool sameBox(const LayoutBox& a, const LayoutBox& b)
     return a.top == b.top && a.bottom == b.bottom && a.hasItem == b.hasItem && a.id == b.id;
 }
 
+// The boxes of the last layout in the order of their tops, where the last run starts in that order,
+// and how far down it reaches: all that a box coming below every top needs. Kept only when every box
+// had a height.
+struct LayoutOrder
+{
+    QVector<int> order;
+    int lastRunStart = 0;
+    double reach = 0.0;
+    bool valid = false;
+};
+
 // The layout below for the common column in which every box has a height: its runs are stretches of
 // the boxes sorted by top, and nothing needs to be kept per run. False when some box has no height.
-bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts)
+bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts,
+                              LayoutOrder& sorted)
 {
     const int n = boxes.size();
-    QVarLengthArray<int, 256> order(n);
+    sorted.valid = false;
+    sorted.order.resize(n);
+    int* const order = sorted.order.data();
     for (int i = 0; i < n; ++i) {
         if (!(boxes.at(i).bottom > boxes.at(i).top))
             return false;
@@ -99,8 +112,8 @@ bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& ind
     };
     // Boxes are mostly made in the order of their bookings' times, so the column's order often is the
     // sorted one already, and one pass finds that.
-    if (!std::is_sorted(order.begin(), order.end(), before))
-        std::stable_sort(order.begin(), order.end(), before);
+    if (!std::is_sorted(order, order + n, before))
+        std::stable_sort(order, order + n, before);
     indexes.resize(n);
     counts.resize(n);
     int runStart = 0;
@@ -111,6 +124,8 @@ bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& ind
             reach = std::max(reach, boxes.at(order[runEnd]).bottom);
             ++runEnd;
         }
+        sorted.lastRunStart = runStart;
+        sorted.reach = reach;
         // A box's rank: the boxes of its run with a lower top, then at its own top those with an item
         // and a lower id. Equal ids share their rank.
         int groupStart = runStart;
@@ -134,6 +149,37 @@ bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& ind
         }
         runStart = runEnd;
     }
+    sorted.valid = n > 0;
+    return true;
+}
+
+// The layout once a box has come at the end of the list whose layout `sorted` was kept for, when the
+// box has a height and comes below every top: it joins the last run or starts one of its own, the
+// last run's boxes count it, and no rank changes. False where that does not hold.
+bool appendToLayout(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts,
+                    LayoutOrder& sorted)
+{
+    const int n = boxes.size() - 1;
+    const LayoutBox& box = boxes.at(n);
+    if (!sorted.valid || sorted.order.size() != n || !(box.bottom > box.top) ||
+        !(box.top > boxes.at(sorted.order.last()).top))
+        return false;
+    sorted.order.append(n);
+    indexes.resize(n + 1);
+    counts.resize(n + 1);
+    if (box.top < sorted.reach) {
+        const int count = n + 1 - sorted.lastRunStart;
+        for (int k = sorted.lastRunStart; k < n; ++k)
+            counts[sorted.order.at(k)] = count;
+        indexes[n] = n - sorted.lastRunStart;
+        counts[n] = count;
+        sorted.reach = std::max(sorted.reach, box.bottom);
+    } else {
+        indexes[n] = 0;
+        counts[n] = 1;
+        sorted.lastRunStart = n;
+        sorted.reach = box.bottom;
+    }
     return true;
 }
 
@@ -144,9 +190,10 @@ bool computeLayoutOfTallBoxes(const QVector<LayoutBox>& boxes, QVector<int>& ind
 // normal boxes fall into runs that a sweep over their tops finds. A box of zero or negative height
 // belongs to the run whose whole span holds it strictly; it sees that run as its own cluster only
 // when one single normal box holds it, since its own cluster search starts from its own span.
-void computeLayout(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts)
+void computeLayout(const QVector<LayoutBox>& boxes, QVector<int>& indexes, QVector<int>& counts,
+                   LayoutOrder& sorted)
 {
-    if (computeLayoutOfTallBoxes(boxes, indexes, counts))
+    if (computeLayoutOfTallBoxes(boxes, indexes, counts, sorted))
         return;
     const int n = boxes.size();
     indexes.fill(0, n);
@@ -270,6 +317,7 @@ struct BkCalendarColumn::LayoutMemo
     QVector<LayoutBox> boxes;
     QVector<int> indexes;
     QVector<int> counts;
+    LayoutOrder sorted;
     // The boxes of the last run, and whether it ended with every one of them holding its answer.
     // Only compared with, never followed: a box may be gone since.
     QVector<BkCalendarItemWidget*> widgets;
@@ -878,7 +926,7 @@ struct BkCalendarColumn::LayoutRun
         settled = 0;
         if (boxes.size() != memo->boxes.size() ||
             !std::equal(boxes.cbegin(), boxes.cend(), memo->boxes.cbegin(), sameBox)) {
-            computeLayout(boxes, memo->indexes, memo->counts);
+            computeLayout(boxes, memo->indexes, memo->counts, memo->sorted);
             memo->boxes.swap(boxes);
         }
     }
@@ -1003,14 +1051,21 @@ bool BkCalendarColumn::takeBoxesOfJoining(LayoutRun& run, const QList<QGraphicsI
             ++at;
     }
     run.widgets.insert(at, box);
+    run.settled = 0;
+    // Bookings mostly come in the order of their times, and a box then comes last, below every top.
+    if (at == memo.boxes.size()) {
+        memo.boxes.append(layoutBoxOf(box));
+        if (!appendToLayout(memo.boxes, memo.indexes, memo.counts, memo.sorted))
+            computeLayout(memo.boxes, memo.indexes, memo.counts, memo.sorted);
+        return true;
+    }
     QVector<LayoutBox>& boxes = memo.scratch;
     boxes.resize(memo.boxes.size() + 1);
     std::copy(memo.boxes.cbegin(), memo.boxes.cbegin() + at, boxes.begin());
     boxes[at] = layoutBoxOf(box);
     std::copy(memo.boxes.cbegin() + at, memo.boxes.cend(), boxes.begin() + at + 1);
-    computeLayout(boxes, memo.indexes, memo.counts);
+    computeLayout(boxes, memo.indexes, memo.counts, memo.sorted);
     memo.boxes.swap(boxes);
-    run.settled = 0;
     return true;
 }
 
