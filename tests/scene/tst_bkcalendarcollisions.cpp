@@ -257,6 +257,32 @@ void addStaleDay(BkColumnFixture& fixture, QRandomGenerator& random)
     }
 }
 
+// Three bookings, each overlapping the next, in a column of 200 to share.
+struct ThreeInARow
+{
+    explicit ThreeInARow(BkColumnFixture& fixture)
+        : first(fixture.addItem(QTime(9, 0), QTime(10, 0), 1))
+        , middle(fixture.addItem(QTime(9, 15), QTime(10, 15), 2))
+        , last(fixture.addItem(QTime(9, 30), QTime(10, 30), 3))
+    {
+    }
+
+    // The middle box is hidden and the column laid out again: the other two share the width.
+    void hideTheMiddleAndLayOut(BkColumnFixture& fixture)
+    {
+        middle->widget->setVisible(false);
+        fixture.column->checkCollisions();
+        QCOMPARE(first->widget->colCount(), 2);
+        QCOMPARE(last->widget->colCount(), 2);
+        QCOMPARE(last->widget->colIndex(), 1);
+        QCOMPARE(last->widget->x(), 100.0);
+    }
+
+    BkCalendarItem* first;
+    BkCalendarItem* middle;
+    BkCalendarItem* last;
+};
+
 } // namespace
 
 class tst_BkCalendarCollisions : public QObject
@@ -387,20 +413,13 @@ void tst_BkCalendarCollisions::shouldLetZeroHeightBoxOverlapOnlyAnEnclosingBox()
 void tst_BkCalendarCollisions::shouldLeaveInvisibleBoxOutOfTheLayout()
 {
     BkColumnFixture fixture;
-    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
-    BkCalendarItem* hidden = fixture.addItem(QTime(9, 15), QTime(10, 15), 2);
-    BkCalendarItem* c = fixture.addItem(QTime(9, 30), QTime(10, 30), 3);
-    QCOMPARE(c->widget->colCount(), 3);
+    ThreeInARow three(fixture);
+    QCOMPARE(three.last->widget->colCount(), 3);
 
-    hidden->widget->setVisible(false);
-    fixture.column->checkCollisions();
-    QCOMPARE(a->widget->colCount(), 2);
-    QCOMPARE(c->widget->colCount(), 2);
-    QCOMPARE(c->widget->colIndex(), 1);
-    QCOMPARE(c->widget->x(), 100.0);
+    three.hideTheMiddleAndLayOut(fixture);
     // The hidden box keeps what it had.
-    QCOMPARE(hidden->widget->colIndex(), 1);
-    QCOMPARE(hidden->widget->colCount(), 3);
+    QCOMPARE(three.middle->widget->colIndex(), 1);
+    QCOMPARE(three.middle->widget->colCount(), 3);
 
     // A hidden box does not bridge two boxes that do not meet.
     BkColumnFixture bridge;
@@ -550,19 +569,12 @@ void tst_BkCalendarCollisions::shouldReadTheBoxesAfreshAfterABoxThatTookNoPlaceA
     // A box made without a booking takes no first place, so no layout run follows the run of its
     // joining. Then the host hides a box: the next run leaves it out.
     BkColumnFixture fixture;
-    BkCalendarItem* a = fixture.addItem(QTime(9, 0), QTime(10, 0), 1);
-    BkCalendarItem* hidden = fixture.addItem(QTime(9, 15), QTime(10, 15), 2);
-    BkCalendarItem* c = fixture.addItem(QTime(9, 30), QTime(10, 30), 3);
+    ThreeInARow three(fixture);
     auto* empty = new BkCalendarItemWidget(nullptr, fixture.scale, fixture.column);
     QCOMPARE(empty->pos(), QPointF(0.0, 0.0));
-    QCOMPARE(c->widget->colCount(), 3);
+    QCOMPARE(three.last->widget->colCount(), 3);
 
-    hidden->widget->setVisible(false);
-    fixture.column->checkCollisions();
-    QCOMPARE(a->widget->colCount(), 2);
-    QCOMPARE(c->widget->colCount(), 2);
-    QCOMPARE(c->widget->colIndex(), 1);
-    QCOMPARE(c->widget->x(), 100.0);
+    three.hideTheMiddleAndLayOut(fixture);
     // The box without a booking stands alone at the top, above the first booking.
     QCOMPARE(empty->colCount(), 1);
 }
